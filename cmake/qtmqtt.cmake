@@ -1,0 +1,16 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Provides Qt5::Mqtt: Qt's own module where it is installed, else our source-compatible classes in qtmqtt/.
+if(NOT TOUCHUI_QTMQTT MATCHES "^(AUTO|MODULE|BUNDLED)$")
+    message(FATAL_ERROR "TOUCHUI_QTMQTT must be AUTO, MODULE or BUNDLED, not '${TOUCHUI_QTMQTT}'")
+endif()
+if(TOUCHUI_QTMQTT STREQUAL "MODULE")
+    find_package(Qt5Mqtt REQUIRED)
+elseif(TOUCHUI_QTMQTT STREQUAL "AUTO")
+    find_package(Qt5Mqtt QUIET)
+endif()
+if(TARGET Qt5::Mqtt)
+    message(STATUS "Qt MQTT: the Qt module, version ${Qt5Mqtt_VERSION}")
+else()
+    message(STATUS "Qt MQTT: our own classes in qtmqtt/, over libmosquitto")
+    add_subdirectory(qtmqtt)
+endif()
