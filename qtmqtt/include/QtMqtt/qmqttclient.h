@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "qmqttmessage.h"
+#include "qmqttsubscription.h"
+#include "qmqtttopicfilter.h"
+#include "qmqtttopicname.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QObject>
+#include <QtCore/QString>
+
+#include <memory>
+
+class QMqttClientPrivate;
+
+/**
+ * A client of an MQTT 3.1.1 (or 3.1) broker, driven by the event loop of the thread it lives in.
+ *
+ * Order of signals: stateChanged(), then connected() or disconnected(), then errorChanged() if
+ * there was an error; during the first two error() still returns NoError.  Signals come from the
+ * event loop, except those of a call that takes effect at once (connectToHost() and
+ * disconnectFromHost()).
+ *
+ * While a slot of one of the signals that come from the event loop has not returned, the client
+ * emits no other of them, not even if that slot runs an event loop of its own.  What arrives
+ * meanwhile is read and kept, and delivered in order as soon as the slot has returned.
+ *
+ * Every slot may delete the client, disconnect it or connect it again.
+ *
+ * There is no automatic reconnection, and subscriptions are not repeated: an application does both.
+ * The properties can be set while Disconnected; at other times a setter does nothing.
+ */
+class QMqttClient : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString clientId READ clientId WRITE setClientId NOTIFY clientIdChanged)
+    Q_PROPERTY(QString hostname READ hostname WRITE setHostname NOTIFY hostnameChanged)
+    Q_PROPERTY(quint16 port READ port WRITE setPort NOTIFY portChanged)
+    Q_PROPERTY(quint16 keepAlive READ keepAlive WRITE setKeepAlive NOTIFY keepAliveChanged)
+    Q_PROPERTY(ProtocolVersion protocolVersion READ protocolVersion WRITE setProtocolVersion NOTIFY
+            protocolVersionChanged)
+    Q_PROPERTY(ClientState state READ state NOTIFY stateChanged)
+    Q_PROPERTY(ClientError error READ error NOTIFY errorChanged)
+    Q_PROPERTY(QString username READ username WRITE setUsername NOTIFY usernameChanged)
+    Q_PROPERTY(QString password READ password WRITE setPassword NOTIFY passwordChanged)
+    Q_PROPERTY(bool cleanSession READ cleanSession WRITE setCleanSession NOTIFY cleanSessionChanged)
+    Q_PROPERTY(QString willTopic READ willTopic WRITE setWillTopic NOTIFY willTopicChanged)
+    Q_PROPERTY(
+        QByteArray willMessage READ willMessage WRITE setWillMessage NOTIFY willMessageChanged)
+    Q_PROPERTY(quint8 willQoS READ willQoS WRITE setWillQoS NOTIFY willQoSChanged)
+    Q_PROPERTY(bool willRetain READ willRetain WRITE setWillRetain NOTIFY willRetainChanged)
+    Q_PROPERTY(
+        bool autoKeepAlive READ autoKeepAlive WRITE setAutoKeepAlive NOTIFY autoKeepAliveChanged)
+public:
+    enum TransportType { IODevice = 0, AbstractSocket, SecureSocket };
+
+    enum ClientState { Disconnected = 0, Connecting, Connected };
+    Q_ENUM(ClientState)
+
+    /** 1 to 5 are the broker's refusals; a refusal with another number is passed on as that number.
+     */
+    enum ClientError {
+        NoError = 0,
+        InvalidProtocolVersion = 1,
+        IdRejected = 2,
+        /** Also when the broker did not answer for the keep-alive time. */
+        ServerUnavailable = 3,
+        BadUsernameOrPassword = 4,
+        NotAuthorized = 5,
+        /** The network connection could not be made, or was lost. */
+        TransportInvalid = 256,
+        /** What came was not MQTT. */
+        ProtocolViolation,
+        UnknownError,
+        Mqtt5SpecificError
+    };
+    Q_ENUM(ClientError)
+
+    enum ProtocolVersion {
+        MQTT_3_1 = 3,
+        MQTT_3_1_1 = 4,
+        /** Known by name only; setProtocolVersion() does not take it. */
+        MQTT_5_0 = 5
+    };
+    Q_ENUM(ProtocolVersion)
+
+    /** Disconnected, with a random client id, for the protocol version MQTT_3_1_1. */
+    explicit QMqttClient(QObject *parent = nullptr);
+
+    /** Leaves the broker like disconnectFromHost(), but without any signal. */
+    ~QMqttClient() override;
+
+    /**
+     * Subscribes and returns the subscription, which the client owns; its state tells the outcome.
+     * A filter that is already subscribed (or pending) gives the same object and sends nothing.
+     *
+     * Null, and nothing is sent, unless Connected, with an invalid filter or with @p qos above 2;
+     * the latter two also log a warning.
+     */
+    QMqttSubscription *subscribe(const QMqttTopicFilter &topic, quint8 qos = 0);
+
+    /** Ends the subscription to exactly this filter; does nothing if there is none. */
+    void unsubscribe(const QMqttTopicFilter &topic);
+
+    /**
+     * Sends a message and returns 0 at quality of service 0, otherwise its id (above 0), which
+     * messageSent() reports once the broker has confirmed it.  An empty message with @p retain
+     * deletes the one the broker keeps.
+     *
+     * -1, and nothing is sent or kept for later, unless Connected, with an invalid topic, with @p
+     * qos above 2, for a message over 256 MB or when the connection turns out to be broken.
+     *
+     * When the connection is lost, messages not yet confirmed are dropped; none is sent again.
+     */
+    Q_INVOKABLE qint32 publish(const QMqttTopicName &topic,
+        const QByteArray &message = QByteArray(), quint8 qos = 0, bool retain = false);
+
+    /** Always false: pings are sent by autoKeepAlive() only, and pingResponseReceived() is not
+     * emitted. */
+    bool requestPing();
+
+    /** Name or address of the broker.  A name may have several addresses; they are tried in order.
+     */
+    QString hostname() const;
+    /** 1 to 65535; 0 until set. */
+    quint16 port() const;
+    /** 23 random hexadecimal digits until set.  Empty: the broker makes one up. */
+    QString clientId() const;
+    /** Seconds of silence after which a ping is sent; 0: never.  1 to 4 have the effect of 5. */
+    quint16 keepAlive() const;
+    ProtocolVersion protocolVersion() const;
+    ClientState state() const;
+    /** The last error; back to NoError, without a signal, when connecting starts. */
+    ClientError error() const;
+    QString username() const;
+    QString password() const;
+    bool cleanSession() const;
+    /** The topic of the message the broker publishes should this client vanish; empty: no message.
+     */
+    QString willTopic() const;
+    QByteArray willMessage() const;
+    quint8 willQoS() const;
+    bool willRetain() const;
+    /** Whether pings are sent at all.  Without them the broker ends a silent connection. */
+    bool autoKeepAlive() const;
+
+    /**
+     * Starts to connect; does nothing unless Disconnected.  Name lookup and network connection run
+     * in the background, for the keep-alive time at most (without a limit if that is 0 or off).
+     *
+     * Without a host name or port only errorChanged(TransportInvalid) is emitted, inside the call.
+     */
+    Q_INVOKABLE void connectToHost();
+
+    /**
+     * Leaves the broker: all that was published goes out first, then the state changes, inside the
+     * call. Messages that have not been delivered yet are discarded.  Blocks while the broker takes
+     * its time, for a few seconds at most.
+     *
+     * While Connecting the attempt is given up, with TransportInvalid.
+     */
+    Q_INVOKABLE void disconnectFromHost();
+
+Q_SIGNALS:
+    void connected();
+    void disconnected();
+    /** A message came; exactly once for each, whatever number of subscriptions it matches. */
+    void messageReceived(const QByteArray &message, const QMqttTopicName &topic = QMqttTopicName());
+    /** The broker has confirmed the message that publish() gave this id. */
+    void messageSent(int id);
+    /** Never emitted; see requestPing(). */
+    void pingResponseReceived();
+    /** The broker remembers this client's last session; emitted before connected(). */
+    void brokerSessionRestored();
+
+    void hostnameChanged(QString hostname);
+    void portChanged(quint16 port);
+    void clientIdChanged(QString clientId);
+    void keepAliveChanged(quint16 keepAlive);
+    void protocolVersionChanged(ProtocolVersion protocolVersion);
+    void stateChanged(ClientState state);
+    void errorChanged(ClientError error);
+    void usernameChanged(QString username);
+    void passwordChanged(QString password);
+    void cleanSessionChanged(bool cleanSession);
+    void willTopicChanged(QString willTopic);
+    void willMessageChanged(QByteArray willMessage);
+    void willQoSChanged(quint8 willQoS);
+    void willRetainChanged(bool willRetain);
+    void autoKeepAliveChanged(bool autoKeepAlive);
+
+public Q_SLOTS:
+    void setHostname(const QString &hostname);
+    void setPort(quint16 port);
+    void setClientId(const QString &clientId);
+    void setKeepAlive(quint16 keepAlive);
+    /** Takes MQTT_3_1 and MQTT_3_1_1; anything else is ignored. */
+    void setProtocolVersion(ProtocolVersion protocolVersion);
+    /** For tests of an application: emits what a real change would emit, and changes no connection.
+     */
+    void setState(ClientState state);
+    /** For tests of an application: sets error() and emits errorChanged(). */
+    void setError(ClientError error);
+    void setUsername(const QString &username);
+    void setPassword(const QString &password);
+    void setCleanSession(bool cleanSession);
+    void setWillTopic(const QString &willTopic);
+    void setWillMessage(const QByteArray &willMessage);
+    /** 0, 1 or 2; anything else is ignored. */
+    void setWillQoS(quint8 willQoS);
+    void setWillRetain(bool willRetain);
+    void setAutoKeepAlive(bool autoKeepAlive);
+
+private:
+    Q_DISABLE_COPY(QMqttClient)
+    std::unique_ptr<QMqttClientPrivate> d;
+};
+
+Q_DECLARE_METATYPE(QMqttClient::TransportType)
+Q_DECLARE_METATYPE(QMqttClient::ClientState)
+Q_DECLARE_METATYPE(QMqttClient::ClientError)
+Q_DECLARE_METATYPE(QMqttClient::ProtocolVersion)

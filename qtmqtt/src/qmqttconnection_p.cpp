@@ -1,0 +1,440 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "qmqttconnection_p.h"
+
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QSocketNotifier>
+#include <QtNetwork/QHostInfo>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+
+#include <fcntl.h>
+#include <mosquitto.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+/** Packets read before the event loop gets its turn again, so that a flood does not freeze the
+ * display. */
+constexpr int PacketsPerTurn = 512;
+/** The library refuses shorter ones, except 0. */
+constexpr int ShortestKeepAlive = 5; // seconds
+/** Later than the exact time, because the library's clock and the kernel's count in steps. */
+constexpr int KeepAliveMarginMs = 100;
+/** No limit on unconfirmed messages: the default of 20 would hold back the 21st. */
+constexpr int UnconfirmedLimit = 65535;
+/** The first byte of the only packet that may answer a request to connect. */
+constexpr quint8 ConnectAnswer = 0x20;
+
+// Patience with a broker that does not move while we leave.
+constexpr int AnswerPatienceMs = 200;
+constexpr int WritePatienceMs = 2000;
+constexpr int CloseLimitMs = 5000;
+
+QMqttClient::ClientError errorFromCode(int code)
+{
+    switch (code) {
+    case MOSQ_ERR_KEEPALIVE:
+        return QMqttClient::ServerUnavailable;
+    case MOSQ_ERR_PROTOCOL:
+    case MOSQ_ERR_MALFORMED_PACKET:
+        return QMqttClient::ProtocolViolation;
+    default:
+        return QMqttClient::TransportInvalid;
+    }
+}
+
+QMqttConnection *connection(void *self) { return static_cast<QMqttConnection *>(self); }
+
+/** The text, or null where the library wants to see that there is none. */
+const char *textOrNull(const QByteArray &text)
+{
+    return text.isEmpty() ? nullptr : text.constData();
+}
+} // namespace
+
+void QMqttConnection::HandleDeleter::operator()(mosquitto *handle) const
+{
+    mosquitto_destroy(handle);
+}
+
+QMqttConnection::QMqttConnection(const Settings &settings)
+    : m_settings(settings)
+{
+    // Precise: a coarse timer may fire early, and then the ping would miss its turn.
+    m_keepAliveTimer.setTimerType(Qt::PreciseTimer);
+    m_keepAliveTimer.setSingleShot(true);
+    connect(&m_keepAliveTimer, &QTimer::timeout, this, &QMqttConnection::keepAlive);
+}
+
+QMqttConnection::~QMqttConnection()
+{
+    m_phase = Over;
+    if (m_lookup != -1)
+        QHostInfo::abortHostLookup(m_lookup);
+    unwatchSocket(); // before the handle closes the socket
+}
+
+void QMqttConnection::open()
+{
+    if (!createHandle()) {
+        // The protocol wants an id from a client whose session is to be remembered.
+        end(m_settings.clientId.isEmpty() ? QMqttClient::IdRejected
+                                          : QMqttClient::TransportInvalid);
+        announce();
+        return;
+    }
+
+    // The library would look names up while everything waits, and would use the first address only.
+    if (QHostAddress address; address.setAddress(m_settings.hostname)) {
+        m_addresses = { address };
+        tryNextAddress();
+        announce();
+    } else {
+        m_lookup = QHostInfo::lookupHost(m_settings.hostname, this, &QMqttConnection::useLookup);
+    }
+}
+
+bool QMqttConnection::createHandle()
+{
+    static const int initialised = mosquitto_lib_init();
+    Q_UNUSED(initialised)
+
+    const QByteArray id = m_settings.clientId.toUtf8();
+    m_handle.reset(mosquitto_new(textOrNull(id), m_settings.cleanSession, this));
+    if (!m_handle)
+        return false;
+
+    mosquitto *const handle = m_handle.get();
+    mosquitto_int_option(handle, MOSQ_OPT_PROTOCOL_VERSION, m_settings.protocolVersion);
+    mosquitto_int_option(handle, MOSQ_OPT_SEND_MAXIMUM, UnconfirmedLimit);
+    // Commands are small packets in a row; without this the second waits for the peer's delayed
+    // ACK.
+    mosquitto_int_option(handle, MOSQ_OPT_TCP_NODELAY, 1);
+    if (!m_settings.username.isEmpty()) {
+        mosquitto_username_pw_set(handle, m_settings.username.toUtf8().constData(),
+            textOrNull(m_settings.password.toUtf8()));
+    }
+    if (!m_settings.willTopic.isEmpty()) {
+        mosquitto_will_set(handle, m_settings.willTopic.toUtf8().constData(),
+            m_settings.willMessage.size(), m_settings.willMessage.constData(), m_settings.willQoS,
+            m_settings.willRetain);
+    }
+    mosquitto_connect_with_flags_callback_set(handle, &QMqttConnection::onConnect);
+    mosquitto_disconnect_callback_set(handle, &QMqttConnection::onDisconnect);
+    mosquitto_message_callback_set(handle, &QMqttConnection::onMessage);
+    mosquitto_publish_callback_set(handle, &QMqttConnection::onPublish);
+    mosquitto_subscribe_callback_set(handle, &QMqttConnection::onSubscribe);
+    mosquitto_unsubscribe_callback_set(handle, &QMqttConnection::onUnsubscribe);
+    return true;
+}
+
+void QMqttConnection::useLookup(const QHostInfo &info)
+{
+    m_lookup = -1;
+    m_addresses = info.addresses();
+    tryNextAddress();
+    announce();
+}
+
+void QMqttConnection::tryNextAddress()
+{
+    while (!m_addresses.isEmpty()) {
+        const QByteArray address = m_addresses.takeFirst().toString().toLatin1();
+        const int code = mosquitto_connect_async(
+            m_handle.get(), address.constData(), m_settings.port, keepAliveSeconds());
+        m_lossCode.reset();
+        if (code == MOSQ_ERR_SUCCESS) {
+            watchSocket();
+            if (m_settings.autoKeepAlive && m_settings.keepAlive > 0)
+                m_keepAliveTimer.start(keepAliveSeconds() * 1000 + KeepAliveMarginMs);
+            return;
+        }
+    }
+    end(QMqttClient::TransportInvalid);
+}
+
+void QMqttConnection::watchSocket()
+{
+    const int socket = mosquitto_socket(m_handle.get());
+    m_readNotifier = new QSocketNotifier(socket, QSocketNotifier::Read, this);
+    connect(m_readNotifier, &QSocketNotifier::activated, this, &QMqttConnection::read);
+    m_writeNotifier = new QSocketNotifier(socket, QSocketNotifier::Write, this);
+    connect(m_writeNotifier, &QSocketNotifier::activated, this, &QMqttConnection::write);
+    m_writeNotifier->setEnabled(mosquitto_want_write(m_handle.get()));
+}
+
+void QMqttConnection::unwatchSocket()
+{
+    for (QSocketNotifier **notifier : { &m_readNotifier, &m_writeNotifier }) {
+        if (!*notifier)
+            continue;
+        (*notifier)->setEnabled(false); // now: the number of a closed socket may be used again
+        (*notifier)->deleteLater();     // not now: this may be running in its slot
+        *notifier = nullptr;
+    }
+}
+
+void QMqttConnection::read()
+{
+    if (m_phase == Opening && !answersInMqtt()) {
+        finishCall(m_lossCode.value_or(MOSQ_ERR_PROTOCOL));
+        return;
+    }
+
+    // The library handles one packet per call and tells by errno only that there is no more.
+    int code = MOSQ_ERR_SUCCESS;
+    for (int i = 0; i < PacketsPerTurn && code == MOSQ_ERR_SUCCESS; ++i) {
+        errno = 0;
+        code = mosquitto_loop_read(m_handle.get(), 1);
+        if (errno == EAGAIN || mosquitto_socket(m_handle.get()) < 0)
+            break;
+    }
+
+    // A broker with Nagle's algorithm holds a small packet back until the one before is
+    // acknowledged, which the kernel would delay by 40 ms.  The option wears off, so it is set
+    // again and again.
+    if (const int socket = mosquitto_socket(m_handle.get()); socket >= 0) {
+        const int on = 1;
+        setsockopt(socket, IPPROTO_TCP, TCP_QUICKACK, &on, sizeof on);
+    }
+    finishCall(code);
+}
+
+/** The library would take foreign bytes for the head of a long packet and wait for the rest of it.
+ */
+bool QMqttConnection::answersInMqtt()
+{
+    quint8 first = 0;
+    const ssize_t count
+        = recv(mosquitto_socket(m_handle.get()), &first, 1, MSG_PEEK | MSG_DONTWAIT);
+    if (count < 0 && errno != EAGAIN && errno != EINTR) {
+        m_lossCode = MOSQ_ERR_ERRNO; // looking took the error off the socket
+        return false;
+    }
+    return count <= 0 || first == ConnectAnswer;
+}
+
+void QMqttConnection::write() { finishCall(mosquitto_loop_write(m_handle.get(), 1)); }
+
+void QMqttConnection::keepAlive()
+{
+    finishCall(mosquitto_loop_misc(m_handle.get()));
+    if (m_phase != Over)
+        scheduleKeepAlive();
+}
+
+/**
+ * The library pings when it is asked while nothing has been sent for the keep-alive time (or
+ * nothing received).  It is asked once per that time, at the moment when the ping may be due; the
+ * kernel knows when something was last sent, so that no timer has to be set again with every
+ * message.
+ */
+void QMqttConnection::scheduleKeepAlive()
+{
+    const int intervalMs = keepAliveSeconds() * 1000;
+    tcp_info info = {};
+    socklen_t size = sizeof info;
+    getsockopt(mosquitto_socket(m_handle.get()), IPPROTO_TCP, TCP_INFO, &info, &size);
+    const int silentMs = int(std::min(info.tcpi_last_data_sent, quint32(intervalMs - 1000)));
+    m_keepAliveTimer.start(intervalMs + KeepAliveMarginMs - silentMs);
+}
+
+int QMqttConnection::keepAliveSeconds() const
+{
+    return m_settings.keepAlive == 0 ? 0 : std::max<int>(m_settings.keepAlive, ShortestKeepAlive);
+}
+
+int QMqttConnection::publish(
+    const QString &topic, const QByteArray &payload, quint8 qos, bool retain)
+{
+    if (m_phase != Open)
+        return -1;
+    int id = 0;
+    const int code = mosquitto_publish(m_handle.get(), &id, topic.toUtf8().constData(),
+        payload.size(), payload.constData(), qos, retain);
+    if (code == MOSQ_ERR_SUCCESS && qos > 0)
+        m_unconfirmed.insert(id);
+    finishCall(MOSQ_ERR_SUCCESS); // a loss is noticed when reading
+    if (code != MOSQ_ERR_SUCCESS)
+        return -1;
+    return qos > 0 ? id : 0;
+}
+
+int QMqttConnection::subscribe(const QString &filter, quint8 qos)
+{
+    if (m_phase != Open)
+        return -1;
+    int id = 0;
+    const int code = mosquitto_subscribe(m_handle.get(), &id, filter.toUtf8().constData(), qos);
+    finishCall(MOSQ_ERR_SUCCESS);
+    return code == MOSQ_ERR_SUCCESS ? id : -1;
+}
+
+int QMqttConnection::unsubscribe(const QString &filter)
+{
+    if (m_phase != Open)
+        return -1;
+    int id = 0;
+    const int code = mosquitto_unsubscribe(m_handle.get(), &id, filter.toUtf8().constData());
+    finishCall(MOSQ_ERR_SUCCESS);
+    return code == MOSQ_ERR_SUCCESS ? id : -1;
+}
+
+/** To be called after each call of the library, outside its callbacks. */
+void QMqttConnection::finishCall(int code)
+{
+    if (m_phase != Over) {
+        if (!m_lossCode && code > MOSQ_ERR_SUCCESS)
+            m_lossCode = code; // lost without a callback
+        if (m_lossCode) {
+            unwatchSocket();
+            const int loss = *m_lossCode;
+            if (m_phase == Opening && loss == MOSQ_ERR_ERRNO && !m_addresses.isEmpty())
+                tryNextAddress();
+            else
+                end(errorFromCode(loss));
+        } else {
+            m_writeNotifier->setEnabled(mosquitto_want_write(m_handle.get()));
+        }
+    }
+    announce();
+}
+
+void QMqttConnection::close()
+{
+    if (m_phase != Open)
+        return;
+    m_phase = Over;
+    m_events.clear();
+    m_keepAliveTimer.stop();
+    unwatchSocket();
+
+    // Closing a socket that still has something to read makes the kernel reset the connection, and
+    // the broker then loses what it has not read yet.  So the answers are awaited first, and after
+    // our farewell a second descriptor keeps the socket open until the broker has closed its side.
+    mosquitto *const handle = m_handle.get();
+    const QDeadlineTimer limit(CloseLimitMs);
+    while (!m_unconfirmed.isEmpty() && exchange(AnswerPatienceMs, limit)) { }
+
+    const int socket = fcntl(mosquitto_socket(handle), F_DUPFD_CLOEXEC, 0);
+    mosquitto_disconnect(handle);
+    while (mosquitto_socket(handle) >= 0 && mosquitto_want_write(handle)
+        && exchange(WritePatienceMs, limit)) { }
+    if (socket < 0)
+        return;
+    if (mosquitto_socket(handle) < 0) {
+        shutdown(socket, SHUT_WR);
+        char discarded[4096];
+        pollfd waiting { socket, POLLIN, 0 };
+        while (!limit.hasExpired() && poll(&waiting, 1, AnswerPatienceMs) > 0
+            && ::read(socket, discarded, sizeof discarded) > 0) { }
+    }
+    ::close(socket);
+}
+
+/** Waits until something can be read or written and does so.  False when nothing moved or all is
+ * over. */
+bool QMqttConnection::exchange(int patienceMs, const QDeadlineTimer &limit)
+{
+    mosquitto *const handle = m_handle.get();
+    pollfd waiting { mosquitto_socket(handle), POLLIN, 0 };
+    if (mosquitto_want_write(handle))
+        waiting.events |= POLLOUT;
+    const int remainingMs = int(limit.remainingTime());
+    if (waiting.fd < 0 || poll(&waiting, 1, std::min(patienceMs, remainingMs)) <= 0)
+        return false;
+    int code = MOSQ_ERR_SUCCESS;
+    if (waiting.revents & POLLOUT)
+        code = mosquitto_loop_write(handle, 1);
+    if (code == MOSQ_ERR_SUCCESS && (waiting.revents & ~POLLOUT))
+        code = mosquitto_loop_read(handle, 1);
+    return code == MOSQ_ERR_SUCCESS;
+}
+
+QMqttConnection::Event QMqttConnection::takeEvent()
+{
+    Event event = std::move(m_events.front());
+    m_events.pop_front();
+    if (m_events.empty())
+        m_announced = false;
+    return event;
+}
+
+void QMqttConnection::post(Event event)
+{
+    if (m_phase != Over)
+        m_events.push_back(std::move(event));
+}
+
+void QMqttConnection::announce()
+{
+    if (m_announced || m_events.empty())
+        return;
+    m_announced = true;
+    emit eventsAvailable();
+}
+
+void QMqttConnection::end(QMqttClient::ClientError error)
+{
+    post(Ended { error });
+    m_phase = Over;
+    m_keepAliveTimer.stop();
+    unwatchSocket();
+}
+
+void QMqttConnection::onConnect(mosquitto *, void *self, int code, int flags)
+{
+    QMqttConnection *const q = connection(self);
+    if (code != MOSQ_ERR_SUCCESS) {
+        q->end(QMqttClient::ClientError(code));
+        return;
+    }
+    q->post(Accepted { (flags & 1) != 0 });
+    if (q->m_phase == Opening)
+        q->m_phase = Open;
+}
+
+void QMqttConnection::onDisconnect(mosquitto *, void *self, int code)
+{
+    QMqttConnection *const q = connection(self);
+    if (q->m_phase == Over)
+        return;
+    q->unwatchSocket(); // the library has closed the socket
+    q->m_lossCode = code;
+}
+
+void QMqttConnection::onMessage(mosquitto *, void *self, const mosquitto_message *message)
+{
+    QMqttMessage copy;
+    copy.m_topic = QMqttTopicName(QString::fromUtf8(message->topic));
+    copy.m_payload = message->payloadlen > 0
+        ? QByteArray(static_cast<const char *>(message->payload), message->payloadlen)
+        : QByteArray("");
+    copy.m_id = quint16(message->qos > 0 ? message->mid : 0);
+    copy.m_qos = quint8(message->qos);
+    copy.m_retain = message->retain;
+    connection(self)->post(MessageArrived { std::move(copy) });
+}
+
+void QMqttConnection::onPublish(mosquitto *, void *self, int id)
+{
+    // Messages at quality of service 0 get here too, with an id that nobody was told.
+    if (connection(self)->m_unconfirmed.remove(id))
+        connection(self)->post(PublishConfirmed { id });
+}
+
+void QMqttConnection::onSubscribe(mosquitto *, void *self, int id, int count, const int *grantedQos)
+{
+    if (count == 1)
+        connection(self)->post(SubscribeAnswered { id, grantedQos[0] });
+}
+
+void QMqttConnection::onUnsubscribe(mosquitto *, void *self, int id)
+{
+    connection(self)->post(UnsubscribeAnswered { id });
+}

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QtMqtt/qmqttclient.h>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+#include <QtCore/QObject>
+#include <QtCore/QSet>
+#include <QtCore/QString>
+#include <QtCore/QTimer>
+#include <QtNetwork/QHostAddress>
+
+#include <deque>
+#include <memory>
+#include <optional>
+#include <variant>
+
+class QDeadlineTimer;
+class QHostInfo;
+class QSocketNotifier;
+struct mosquitto;
+struct mosquitto_message;
+
+/**
+ * One attempt to connect, and the connection that comes of it, over one handle of the library.
+ *
+ * Whatever the library reports is appended to a queue of events; its owner takes them from there
+ * when the event loop calls it (eventsAvailable() must be a queued connection).  So the
+ * application's code never runs below a call of the library, which would dead-lock or touch freed
+ * memory, nor below a function of this class, which may therefore be deleted by whatever the
+ * application does.
+ */
+class QMqttConnection : public QObject {
+    Q_OBJECT
+public:
+    struct Settings {
+        QString hostname;
+        quint16 port = 0;
+        QString clientId;
+        quint16 keepAlive = 60; // seconds
+        bool autoKeepAlive = true;
+        QMqttClient::ProtocolVersion protocolVersion = QMqttClient::MQTT_3_1_1;
+        bool cleanSession = true;
+        QString username;
+        QString password;
+        QString willTopic;
+        QByteArray willMessage;
+        quint8 willQoS = 0;
+        bool willRetain = false;
+    };
+
+    struct Accepted {
+        bool sessionRestored;
+    };
+    struct MessageArrived {
+        QMqttMessage message;
+    };
+    struct PublishConfirmed {
+        int id;
+    };
+    struct SubscribeAnswered {
+        int id;
+        int grantedQos; // above 2: refused
+    };
+    struct UnsubscribeAnswered {
+        int id;
+    };
+    /** The attempt failed or the connection is lost.  Always the last event. */
+    struct Ended {
+        QMqttClient::ClientError error;
+    };
+    using Event = std::variant<Accepted, MessageArrived, PublishConfirmed, SubscribeAnswered,
+        UnsubscribeAnswered, Ended>;
+
+    explicit QMqttConnection(const Settings &settings);
+    /** Closes the network connection, if need be without a word to the broker. */
+    ~QMqttConnection() override;
+
+    /** Starts the attempt.  Its outcome, even one known at once, comes as an event. */
+    void open();
+
+    /**
+     * Leaves the broker so that all that was published arrives there; blocks for up to a few
+     * seconds. Produces no events and drops the queued ones.  Nothing but deletion may follow.
+     */
+    void close();
+
+    /** The message's id; 0 at quality of service 0; -1 if it was not taken. */
+    int publish(const QString &topic, const QByteArray &payload, quint8 qos, bool retain);
+    /** The id under which the answer will come; -1 if the request was not taken. */
+    int subscribe(const QString &filter, quint8 qos);
+    /** The id under which the answer will come; -1 if the request was not taken. */
+    int unsubscribe(const QString &filter);
+
+    bool hasEvents() const { return !m_events.empty(); }
+    /** The oldest event, taken off the queue, which must not be empty. */
+    Event takeEvent();
+
+Q_SIGNALS:
+    /** Emitted for the first event after the queue was empty. */
+    void eventsAvailable();
+
+private:
+    enum Phase { Opening, Open, Over };
+    struct HandleDeleter {
+        void operator()(mosquitto *handle) const;
+    };
+
+    static void onConnect(mosquitto *handle, void *self, int code, int flags);
+    static void onDisconnect(mosquitto *handle, void *self, int code);
+    static void onMessage(mosquitto *handle, void *self, const mosquitto_message *message);
+    static void onPublish(mosquitto *handle, void *self, int id);
+    static void onSubscribe(
+        mosquitto *handle, void *self, int id, int count, const int *grantedQos);
+    static void onUnsubscribe(mosquitto *handle, void *self, int id);
+
+    bool createHandle();
+    void useLookup(const QHostInfo &info);
+    void tryNextAddress();
+    void watchSocket();
+    void unwatchSocket();
+    void read();
+    void write();
+    void keepAlive();
+    void scheduleKeepAlive();
+    bool answersInMqtt();
+    bool exchange(int patienceMs, const QDeadlineTimer &limit);
+    void finishCall(int code);
+    void post(Event event);
+    void announce();
+    void end(QMqttClient::ClientError error);
+    int keepAliveSeconds() const;
+
+    const Settings m_settings;
+    Phase m_phase = Opening;
+    int m_lookup = -1;               // id of the running name lookup
+    QList<QHostAddress> m_addresses; // those not tried yet
+    std::unique_ptr<mosquitto, HandleDeleter> m_handle;
+    QSocketNotifier *m_readNotifier = nullptr;
+    QSocketNotifier *m_writeNotifier = nullptr;
+    QTimer m_keepAliveTimer;
+    std::optional<int> m_lossCode; // set between the loss and the end of the library's call
+    QSet<int> m_unconfirmed;       // ids of messages the broker has not confirmed
+    std::deque<Event> m_events;
+    bool m_announced = false;
+};
