@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick 2.15
+import "."
+
+/** The framed cover. */
+Rectangle {
+    id: root
+
+    property alias source: picture.source
+
+    signal touched()
+
+    color: Theme.invisible
+    radius: 1
+    border.width: 4
+    border.color: Theme.coverBorder
+
+    Image {
+        id: picture
+
+        objectName: "coverPicture"
+        anchors.fill: parent
+        anchors.margins: 4
+        // The provider keeps the last picture itself; Qt's cache would keep a logo that stood in for a failed fetch.
+        cache: false
+        fillMode: Image.PreserveAspectFit
+        smooth: false
+    }
+
+    TouchArea {
+        onTouched: root.touched()
+    }
+}

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick 2.15
+
+/** An icon that answers taps: in its whole cell, and even while the icon is hidden. */
+CellIcon {
+    id: root
+
+    property alias touchMargin: touchArea.margin
+
+    signal touched()
+
+    TouchArea {
+        id: touchArea
+
+        onTouched: root.touched()
+    }
+}

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick 2.15
+import "."
+
+/** A box of the layout: invisible, unless its outline is switched on to see where it lies. */
+Rectangle {
+    property bool outlined: false
+    property color outlineColor: Theme.debugOutline
+
+    color: Theme.invisible
+    border.width: outlined ? 2 : 0
+    border.color: outlined ? outlineColor : Theme.invisible
+}

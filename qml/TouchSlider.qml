@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick 2.15
+import QtQuick.Templates 2.15 as T
+import "."
+
+/**
+ * A slider wide enough for a finger.  It shows `source`, but never moves under the finger: while it is pressed, and
+ * until the new value has come back or failed to, the handle stays where the user put it.
+ */
+T.Slider {
+    id: root
+
+    /** The value to show while nobody touches the slider. */
+    property real source
+    /** Ends of the range.  Ends that are no numbers, or lie the wrong way round, leave a range of one value. */
+    property real lowest
+    property real highest
+    property real step
+
+    function number(value, otherwise) {
+        return isFinite(value) ? value : otherwise;
+    }
+
+    function follow() {
+        if (pressed)
+            return;
+        echoTimer.stop();
+        value = number(source, from);
+    }
+
+    from: number(lowest, 0)
+    to: Math.max(from, number(highest, from))
+    stepSize: Math.max(0, number(step, 0))
+    implicitWidth: 200
+    implicitHeight: 43
+    onSourceChanged: follow()
+    onFromChanged: follow()
+    onToChanged: follow()
+    onPressedChanged: {
+        if (!pressed)
+            echoTimer.restart();
+    }
+
+    Component.onCompleted: follow()
+
+    background: Rectangle {
+        x: root.leftPadding
+        y: (root.height - height) / 2
+        width: root.availableWidth
+        height: 8
+        radius: height / 2
+        color: Theme.sliderGroove
+
+        Rectangle {
+            width: root.visualPosition * parent.width
+            height: parent.height
+            radius: parent.radius
+            color: Theme.accent
+        }
+    }
+
+    handle: Rectangle {
+        x: root.leftPadding + root.visualPosition * (root.availableWidth - width)
+        y: (root.height - height) / 2
+        width: 34
+        height: width
+        radius: width / 2
+        color: Theme.sliderHandle
+        border.width: 2
+        border.color: root.pressed ? Theme.accent : Theme.sliderGroove
+    }
+
+    // A zone that refuses the value sends nothing back: then the handle returns to what holds.
+    Timer {
+        id: echoTimer
+
+        interval: 1000
+        onTriggered: root.follow()
+    }
+}

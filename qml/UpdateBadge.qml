@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick 2.15
+import "."
+
+/** Offers an update; a tap installs it. */
+Rectangle {
+    id: root
+
+    signal touched()
+
+    color: Theme.badge
+    radius: 10
+    border.width: 1
+    border.color: Theme.badgeBorder
+
+    PageText {
+        anchors.centerIn: parent
+        color: Theme.badgeText
+        font.pixelSize: root.height / 2
+        text: qsTr("Update Available!")
+    }
+
+    TouchArea {
+        onTouched: root.touched()
+    }
+}
