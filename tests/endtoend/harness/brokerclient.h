@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QMqttClient>
+#include <QString>
+
+/**
+ * The appliance's other services, as one client of the broker: publishes what they publish and
+ * records, in order, all that arrives at the broker, its own messages included.
+ */
+class BrokerClient : public QObject {
+    Q_OBJECT
+
+public:
+    struct Message {
+        QString topic;
+        QByteArray payload;
+        bool retained; ///< delivered because it was kept by the broker, not because it was just
+                       ///< published
+    };
+
+    explicit BrokerClient(QObject *parent = nullptr);
+
+    /**
+     * Connects and subscribes to everything; false, with a message, when the broker does not
+     * confirm it.
+     */
+    bool connectToBroker();
+
+    /** Publishes at QoS 1.  The message leaves when the event loop runs. */
+    void publish(const QString &topic, const QByteArray &payload, bool retain = false);
+    /** Waits until the broker has confirmed every message published so far. */
+    bool flush();
+
+    /** Everything received since the last clear(). */
+    const QList<Message> &messages() const { return m_messages; }
+    /** The payloads received on a topic, in order. */
+    QList<QByteArray> payloads(const QString &topic) const;
+    /**
+     * Waits until that payload has been received on the topic; false, with a message, when it does
+     * not come.
+     */
+    bool waitFor(const QString &topic, const QByteArray &payload);
+    void clear() { m_messages.clear(); }
+
+private:
+    QMqttClient m_client;
+    int m_unconfirmed = 0;
+    QList<Message> m_messages;
+};

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "imageserver.h"
+
+#include <QBuffer>
+#include <QImage>
+#include <QTcpSocket>
+#include <QTimer>
+#include <QUrl>
+
+namespace {
+
+constexpr int PictureSide = 402; // pixels, what the service is asked for
+
+QString keyOf(const HttpServer::Request &request)
+{
+    const QString path = QUrl::fromEncoded(request.target).path();
+    const QString prefix = QStringLiteral("/image/");
+    return path.startsWith(prefix) ? path.mid(prefix.size()) : QString();
+}
+
+QByteArray picture(const QColor &colour, const char *format)
+{
+    QImage image(PictureSide, PictureSide, QImage::Format_RGB32);
+    image.fill(colour);
+    QBuffer buffer;
+    image.save(&buffer, format);
+    return buffer.data();
+}
+
+} // namespace
+
+ImageServer::ImageServer(QObject *parent)
+    : HttpServer(parent)
+{
+    if (!listen(0))
+        qFatal("the image server cannot be started");
+}
+
+QByteArray ImageServer::address() const { return "127.0.0.1:" + QByteArray::number(port()); }
+
+int ImageServer::requestsFor(const QString &key) const
+{
+    int found = 0;
+    for (const Request &request : requests())
+        found += keyOf(request) == key ? 1 : 0;
+    return found;
+}
+
+void ImageServer::answer(const Request &request, QTcpSocket *socket)
+{
+    const auto behaviour = m_behaviours.find(keyOf(request));
+    if (behaviour == m_behaviours.end()) {
+        send(socket, 404, "text/plain", "no such picture");
+        return;
+    }
+    if (behaviour->failures > 0) {
+        --behaviour->failures;
+        send(socket, 500, "text/plain", "not now");
+        return;
+    }
+    // The socket as context: nothing is answered any more once the client has gone.
+    const Behaviour chosen = *behaviour;
+    QTimer::singleShot(chosen.delayMs, socket, [chosen, socket] { behave(chosen, socket); });
+}
+
+void ImageServer::behave(const Behaviour &behaviour, QTcpSocket *socket)
+{
+    switch (behaviour.kind) {
+    case Behaviour::Picture:
+        send(socket, 200, QByteArray("image/") + QByteArray(behaviour.format).toLower(),
+            picture(behaviour.colour, behaviour.format));
+        break;
+    case Behaviour::Hang:
+        break;
+    case Behaviour::Drop:
+        socket->abort();
+        break;
+    case Behaviour::Trouble:
+        send(socket, 500, "text/plain", "trouble");
+        break;
+    case Behaviour::Garbage:
+        send(socket, 200, "image/jpeg", "this is no picture");
+        break;
+    }
+}

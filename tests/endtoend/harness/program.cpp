@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "program.h"
+
+#include "waiting.h"
+
+#include <csignal>
+#include <cstdio>
+
+namespace {
+
+/** True for a variable that would let the surroundings of the test reach into the program. */
+bool isForeign(const QString &name)
+{
+    static const QStringList prefixes { QStringLiteral("VELUNOR_"), QStringLiteral("TOUCHUI_"),
+        QStringLiteral("QT_"), QStringLiteral("QML"), QStringLiteral("QSG_"), QStringLiteral("LC_"),
+        QStringLiteral("LANG"), QStringLiteral("NOTIFY_SOCKET"), QStringLiteral("DISPLAY"),
+        QStringLiteral("WAYLAND_DISPLAY"), QStringLiteral("DBUS_"), QStringLiteral("http_proxy"),
+        QStringLiteral("HTTP_PROXY"), QStringLiteral("all_proxy"), QStringLiteral("ALL_PROXY") };
+    for (const QString &prefix : prefixes) {
+        if (name.startsWith(prefix))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+Program::Program(QObject *parent)
+    : QObject(parent)
+    , m_environment(QProcessEnvironment::systemEnvironment())
+    , m_probe(m_directory.filePath(QStringLiteral("probe")))
+{
+    connect(&m_process, &Process::lineWritten, this,
+        [this](const QString &line) { m_log.append(LogLine::parsed(line)); });
+
+    const QStringList names = m_environment.keys();
+    for (const QString &name : names) {
+        if (isForeign(name))
+            m_environment.remove(name);
+    }
+    m_environment.insert(QStringLiteral("HOME"), m_directory.path());
+    m_environment.insert(QStringLiteral("XDG_CACHE_HOME"), m_directory.path());
+    m_environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_directory.path());
+    m_environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    m_environment.insert(QStringLiteral("QT_QUICK_BACKEND"), QStringLiteral("software"));
+    m_environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("touchuiprobe"));
+    m_environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(TOUCHUI_PROBE_PLUGINS));
+    m_environment.insert(QStringLiteral("TOUCHUI_PROBE_SOCKET"), m_probe.path());
+    m_environment.insert(QStringLiteral("TOUCHUI_DEBUG"), QStringLiteral("debug"));
+}
+
+Program::~Program()
+{
+    if (!QTest::currentTestFailed())
+        return;
+    std::fprintf(stderr, "The program's log, %d lines:\n", logSize());
+    for (const LogLine &line : qAsConst(m_log))
+        std::fprintf(stderr, "    %s\n", qUtf8Printable(line.whole));
+    if (!isRunning())
+        std::fprintf(stderr, "It ended with status %d.\n", exitStatus());
+}
+
+void Program::setEnvironment(const QString &name, const QString &value)
+{
+    m_environment.insert(name, value);
+}
+
+void Program::unsetEnvironment(const QString &name) { m_environment.remove(name); }
+
+bool Program::start()
+{
+    m_log.clear();
+    m_probe.disconnectFromProgram();
+    if (m_process.start(QStringLiteral(TOUCHUI_BINARY), {}, m_environment))
+        return true;
+    qWarning("cannot start %s: %s", TOUCHUI_BINARY, qUtf8Printable(m_process.errorText()));
+    return false;
+}
+
+bool Program::startAndWait()
+{
+    return start() && waitForLine(Line::info(QStringLiteral("Entering main event loop...")));
+}
+
+bool Program::stop()
+{
+    sendSignal(SIGTERM);
+    return waitForExit() && exitStatus() == 0;
+}
+
+int Program::count(const LogPattern &pattern, int from) const
+{
+    int matches = 0;
+    for (int i = from; i < m_log.size(); ++i)
+        matches += pattern.matches(m_log.at(i)) ? 1 : 0;
+    return matches;
+}
+
+int Program::position(const LogPattern &pattern, int from) const
+{
+    for (int i = from; i < m_log.size(); ++i) {
+        if (pattern.matches(m_log.at(i)))
+            return i;
+    }
+    return -1;
+}
+
+bool Program::waitForLine(const LogPattern &pattern, int from)
+{
+    const bool found = waitUntil([&] { return position(pattern, from) >= 0 || !isRunning(); })
+        && position(pattern, from) >= 0;
+    if (!found)
+        qWarning("the program did not log %s", qUtf8Printable(pattern.description()));
+    return found;
+}

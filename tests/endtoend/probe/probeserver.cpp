@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "probeserver.h"
+
+#include "selector.h"
+#include "values.h"
+
+#include <QCursor>
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLocalSocket>
+#include <QPainter>
+#include <QQuickItem>
+#include <QQuickItemGrabResult>
+#include <QQuickWindow>
+#include <QtTest/qtesttouch.h>
+
+namespace {
+
+QJsonObject error(const QString &text) { return { { QStringLiteral("error"), text } }; }
+
+QQuickWindow *shownWindow()
+{
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    for (QWindow *candidate : windows) {
+        auto *const window = qobject_cast<QQuickWindow *>(candidate);
+        if (window && window->isVisible())
+            return window;
+    }
+    return nullptr;
+}
+
+QJsonObject propertiesOf(const QObject *object, const QJsonArray &names)
+{
+    QJsonObject properties;
+    for (const QJsonValue &name : names)
+        properties.insert(name.toString(), toJson(object->property(name.toString().toLatin1())));
+    return properties;
+}
+
+QJsonObject described(const QObject *object, const QJsonArray &names)
+{
+    return { { QStringLiteral("type"), QLatin1String(object->metaObject()->className()) },
+        { QStringLiteral("properties"), propertiesOf(object, names) } };
+}
+
+QPointF centreOf(const QQuickItem *item)
+{
+    return item->mapToScene({ item->width() / 2, item->height() / 2 });
+}
+
+/**
+ * What the window shows.  The offscreen platform cannot give the picture of a window that is drawn
+ * by the software renderer; then the scene is rendered once more, into a picture, and laid on the
+ * window's colour.
+ */
+QImage pictureOf(QQuickWindow *window)
+{
+    const QImage direct = window->grabWindow();
+    if (!direct.isNull())
+        return direct;
+    const QSharedPointer<QQuickItemGrabResult> scene = window->contentItem()->grabToImage();
+    if (!scene)
+        return {};
+    QEventLoop loop;
+    QObject::connect(scene.data(), &QQuickItemGrabResult::ready, &loop, &QEventLoop::quit);
+    loop.exec();
+    QImage image(scene->image().size(), QImage::Format_RGB32);
+    image.fill(window->color());
+    QPainter(&image).drawImage(0, 0, scene->image());
+    return image;
+}
+
+QJsonArray propertyNames(const QJsonObject &request)
+{
+    return request.value(QLatin1String("properties")).toArray();
+}
+
+} // namespace
+
+ProbeServer::ProbeServer(const QString &path)
+{
+    connect(&m_server, &QLocalServer::newConnection, this, &ProbeServer::accept);
+    m_server.listen(path);
+}
+
+void ProbeServer::accept()
+{
+    while (QLocalSocket *const socket = m_server.nextPendingConnection()) {
+        connect(socket, &QLocalSocket::readyRead, this, [this, socket] { serve(socket); });
+        connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    }
+}
+
+void ProbeServer::serve(QLocalSocket *socket)
+{
+    while (socket->canReadLine()) {
+        const QJsonObject request = QJsonDocument::fromJson(socket->readLine()).object();
+        socket->write(QJsonDocument(answer(request)).toJson(QJsonDocument::Compact) + '\n');
+        socket->flush();
+    }
+}
+
+QJsonObject ProbeServer::answer(const QJsonObject &request)
+{
+    const QString operation = request.value(QLatin1String("op")).toString();
+    if (operation == QLatin1String("objects"))
+        return objects(request);
+    if (operation == QLatin1String("count"))
+        return count(request);
+    if (operation == QLatin1String("environment")) {
+        const QByteArray name = request.value(QLatin1String("name")).toString().toLocal8Bit();
+        return { { QStringLiteral("value"),
+            qEnvironmentVariableIsSet(name) ? QJsonValue(qEnvironmentVariable(name))
+                                            : QJsonValue() } };
+    }
+    if (operation == QLatin1String("cursor")) {
+        const QCursor *const cursor = QGuiApplication::overrideCursor();
+        return { { QStringLiteral("shape"), cursor ? QJsonValue(cursor->shape()) : QJsonValue() } };
+    }
+
+    QQuickWindow *const window = shownWindow();
+    if (!window)
+        return error(QStringLiteral("no window is shown"));
+    if (operation == QLatin1String("items"))
+        return items(request, window);
+    if (operation == QLatin1String("grab"))
+        return grab(request, window);
+    if (operation == QLatin1String("frames"))
+        return { { QStringLiteral("frames"), m_frames.take(window) } };
+    return touch(operation, request, window);
+}
+
+QJsonObject ProbeServer::touch(
+    const QString &operation, const QJsonObject &request, QQuickWindow *window)
+{
+    QPointF position(
+        request.value(QLatin1String("x")).toDouble(), request.value(QLatin1String("y")).toDouble());
+    if (request.contains(QLatin1String("item"))) {
+        const QList<QQuickItem *> found
+            = Selector(request.value(QLatin1String("item")).toObject()).items(window);
+        if (found.isEmpty())
+            return error(QStringLiteral("no such item"));
+        position = centreOf(found.first())
+            + QPointF(request.value(QLatin1String("dx")).toDouble(),
+                request.value(QLatin1String("dy")).toDouble());
+    }
+    const int finger = request.value(QLatin1String("id")).toInt();
+    const QPoint pixel = position.toPoint();
+
+    // Made with the first touch, because the platform is not up yet when the plugin is loaded.
+    if (!m_touchDevice)
+        m_touchDevice = QTest::createTouchDevice();
+    const bool tap = operation == QLatin1String("tap");
+    if (operation == QLatin1String("move")) {
+        QTest::touchEvent(window, m_touchDevice).move(finger, pixel, window);
+        return {};
+    }
+    if (!tap && operation != QLatin1String("press") && operation != QLatin1String("release"))
+        return error(QStringLiteral("unknown operation"));
+    if (tap || operation == QLatin1String("press"))
+        QTest::touchEvent(window, m_touchDevice).press(finger, pixel, window);
+    if (tap || operation == QLatin1String("release"))
+        QTest::touchEvent(window, m_touchDevice).release(finger, pixel, window);
+    return {};
+}
+
+QJsonObject ProbeServer::items(const QJsonObject &request, const QQuickWindow *window)
+{
+    const QJsonArray names = propertyNames(request);
+    QJsonArray list;
+    const QList<QQuickItem *> found
+        = Selector(request.value(QLatin1String("item")).toObject()).items(window);
+    for (const QQuickItem *item : found) {
+        const QPointF centre = centreOf(item);
+        const QRectF area = item->mapRectToScene({ 0, 0, item->width(), item->height() });
+        QJsonObject description = described(item, names);
+        description.insert(QStringLiteral("x"), centre.x());
+        description.insert(QStringLiteral("y"), centre.y());
+        description.insert(QStringLiteral("left"), area.left());
+        description.insert(QStringLiteral("top"), area.top());
+        description.insert(QStringLiteral("width"), area.width());
+        description.insert(QStringLiteral("height"), area.height());
+        list.append(description);
+    }
+    return { { QStringLiteral("items"), list } };
+}
+
+QJsonObject ProbeServer::objects(const QJsonObject &request)
+{
+    const QJsonArray names = propertyNames(request);
+    QJsonArray list;
+    const QList<QObject *> found
+        = Selector(request.value(QLatin1String("object")).toObject()).objects();
+    for (const QObject *object : found)
+        list.append(described(object, names));
+    return { { QStringLiteral("objects"), list } };
+}
+
+QJsonObject ProbeServer::count(const QJsonObject &request)
+{
+    const Selector selector(request.value(QLatin1String("object")).toObject());
+    if (!selector.isValid())
+        return error(QStringLiteral("nothing to count"));
+    return { { QStringLiteral("count"), selector.objects().size() } };
+}
+
+QJsonObject ProbeServer::grab(const QJsonObject &request, QQuickWindow *window)
+{
+    const QImage image = pictureOf(window);
+    if (image.isNull())
+        return error(QStringLiteral("the window gives no picture"));
+    if (!image.save(request.value(QLatin1String("file")).toString()))
+        return error(QStringLiteral("the picture cannot be written"));
+    return { { QStringLiteral("width"), image.width() },
+        { QStringLiteral("height"), image.height() } };
+}

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "broker.h"
+#include "brokerclient.h"
+#include "notifysocket.h"
+#include "panel.h"
+#include "program.h"
+#include "waiting.h"
+
+#include <QTest>
+
+/** The shortest way through everything: start, a message in, a touch, a message out, a picture,
+ * stop. */
+class SmokeTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void startsShowsAndStops();
+};
+
+void SmokeTest::startsShowsAndStops()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient services;
+    QVERIFY(services.connectToBroker());
+    NotifySocket serviceManager;
+    const Panel panel;
+
+    Program program;
+    program.setEnvironment(QStringLiteral("NOTIFY_SOCKET"), serviceManager.path());
+    program.setEnvironment(
+        QStringLiteral("VELUNOR_TOUCHUI_CONTROL_ZONE"), QStringLiteral("Kitchen"));
+    QVERIFY(program.startAndWait());
+    QTRY_COMPARE_WITH_TIMEOUT(serviceManager.count("READY=1"), 1, PatienceMs);
+    QVERIFY(services.waitFor(QStringLiteral("Velunor/touch_ui/v3/Display/zone"), "Kitchen"));
+    QCOMPARE(panel.brightness(), QByteArray("150"));
+    QCOMPARE(
+        program.probe().environment(QStringLiteral("QML_DISABLE_DISK_CACHE")), QJsonValue("true"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        program.probe().shows(Probe::Target::text(QStringLiteral("Welcome!"))), PatienceMs);
+    QCOMPARE(program.probe().picture().size(), QSize(800, 480));
+    QVERIFY(program.stop());
+}
+
+QTEST_GUILESS_MAIN(SmokeTest)
+#include "tst_smoke.moc"
