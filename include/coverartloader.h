@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+#include <QUrl>
+
+class ImageProvider;
+
+/**
+ * Decides when the scene's pictures change to the cover that is wanted now.
+ *
+ * A picture item that is given a cover which has to be fetched waits for it in a local event loop,
+ * with the item on the stack. If its page goes away meanwhile, the program crashes; if another
+ * cover is wanted meanwhile, the late one wins. So a page binds its pictures to source() and never
+ * to the key that is wanted: the loader has the provider fetch the picture first, from the event
+ * loop, one at a time, and offers it when it can be had at once.
+ *
+ * A fetch that is not wanted any more is abandoned when it has had a second; one that is still
+ * wanted then has the logo shown until it ends, so that no cover stays under another track's title.
+ * Where a fetch fails the logo is shown. Lives in the GUI thread, may be destroyed at any moment.
+ */
+class CoverArtLoader : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QUrl wanted READ wanted WRITE setWanted NOTIFY wantedChanged)
+    Q_PROPERTY(QUrl source READ source NOTIFY sourceChanged)
+    Q_PROPERTY(bool waiting READ isWaiting NOTIFY waitingChanged)
+
+public:
+    explicit CoverArtLoader(QObject *parent = nullptr);
+    ~CoverArtLoader() override;
+
+    /** The picture that belongs on the screen, an address under "image://velunor/". Takes effect
+     * later. */
+    QUrl wanted() const { return m_wanted; }
+    void setWanted(const QUrl &url);
+
+    /** The picture to show; empty until the first one is there. */
+    QUrl source() const { return m_source; }
+
+    /** Whether a picture is being fetched. */
+    bool isWaiting() const { return m_waitingFor; }
+
+signals:
+    void wantedChanged();
+    void sourceChanged();
+    void waitingChanged();
+
+private:
+    void schedule();
+    void load();
+    void patienceEnded();
+    void setSource(const QUrl &url);
+
+    QUrl m_wanted;
+    QUrl m_loading; // what is being fetched, while waiting
+    QUrl m_source;
+    bool m_scheduled = false;
+    ImageProvider *m_waitingFor = nullptr; // null unless a fetch is going on
+    QTimer m_patience; // runs for the first second of a fetch
+};

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QImage>
+#include <QMutex>
+#include <QQuickImageProvider>
+#include <QString>
+#include <QUrl>
+#include <QVector>
+
+#include <memory>
+
+class QEventLoop;
+class QNetworkAccessManager;
+class QNetworkReply;
+
+/**
+ * Cover art for the scene, under "image://velunor/": a key of the Roon Core's image service, or one
+ * of the reserved ids "__VELUNOR_LOGO__" and "NO_IMAGE", which stand for the product's logo.
+ *
+ * A picture is fetched over HTTP while the caller waits in a local event loop, in the thread that
+ * asks: messages, timers and touches go on meanwhile. The last picture is kept. When the core does
+ * not deliver, the logo stands in. Any thread; the cache is guarded.
+ */
+class ImageProvider : public QQuickImageProvider {
+public:
+    explicit ImageProvider(QQmlImageProviderBase::ImageType type);
+
+    /** Where the core offers the picture @p id, as things stand. */
+    static QUrl imageUrl(const QString &id);
+    /** Whether the picture @p id comes from the core, so that asking for it may have to wait. */
+    static bool isFetched(const QString &id);
+
+    /**
+     * The picture @p id. @p size receives the size of a fetched picture and is left alone
+     * otherwise;
+     * @p requestedSize does not count, covers come in one size. A body that is no picture gives a
+     * null image.
+     */
+    QImage requestImage(const QString &id, QSize *size, const QSize &requestedSize) override;
+
+    /**
+     * Has the picture @p id fetched and kept, so that requestImage() can answer at once. Returns
+     * false when it could not be had: the core did not deliver, the wait was abandoned, or the
+     * program quits. GUI thread only.
+     */
+    bool prefetch(const QString &id);
+
+    /** Ends every wait that is going on; who waited gets the logo, and nothing is kept. */
+    void abandonFetches();
+
+private:
+    QImage fetchedImage(const QUrl &url, QSize *size);
+    QNetworkReply *get(QNetworkAccessManager &manager, const QUrl &url);
+
+    QMutex m_lock; // guards the next three
+    QUrl m_lastUrl;
+    std::unique_ptr<QImage> m_cachedImage;
+    QVector<QEventLoop *> m_waits;
+
+    QImage m_logo; // not changed after construction
+};

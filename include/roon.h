@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+/**
+ * What is known of the Roon Core, and the appliance's own network identity.
+ *
+ * A passive mirror: messaging writes the core's properties by name; the scene, the player, the
+ * navigation and the cover art read them. Main thread only.
+ */
+class Roon : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(
+        bool coreDetected READ coreDetected WRITE setCoreDetected NOTIFY coreDetectionChanged)
+    Q_PROPERTY(QString serverName READ serverName WRITE setServerName)
+    Q_PROPERTY(QString id READ id WRITE setId)
+    Q_PROPERTY(QString serverUrl READ serverUrl WRITE setServerUrl)
+    Q_PROPERTY(QString version READ version WRITE setVersion)
+    Q_PROPERTY(QString ipAddress READ ipAddress CONSTANT)
+    Q_PROPERTY(QString localHostName READ localHostName CONSTANT)
+
+public:
+    static Roon *instance();
+
+    explicit Roon(QObject *parent = nullptr);
+
+    /** Whether the core has been found on the network. */
+    bool coreDetected() const { return m_coreDetected; }
+    /** Stores and notifies on every write, equal or not: each status message makes the listeners
+     * look again. */
+    void setCoreDetected(bool detected);
+
+    QString serverName() const { return m_serverName; }
+    void setServerName(const QString &name) { m_serverName = name; }
+
+    QString id() const { return m_id; }
+    void setId(const QString &id) { m_id = id; }
+
+    /** Host and port of the core's image service; empty until the core was announced. */
+    QString serverUrl() const { return m_serverUrl; }
+    void setServerUrl(const QString &url) { m_serverUrl = url; }
+
+    QString version() const { return m_version; }
+    void setVersion(const QString &version) { m_version = version; }
+
+    /**
+     * The first IPv4 address of the first interface that is up, running and not loopback, as a
+     * dotted quad; empty when there is no such interface or it has no IPv4 address. Looked up on
+     * every call.
+     */
+    QString ipAddress() const;
+
+    /** The machine's host name, without domain; looked up on every call. */
+    QString localHostName() const;
+
+signals:
+    void coreDetectionChanged();
+
+private:
+    bool m_coreDetected = false;
+    QString m_serverName;
+    QString m_id;
+    QString m_serverUrl;
+    QString m_version;
+};

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "roonzone.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QObject>
+#include <QString>
+#include <QVariant>
+
+/**
+ * All known zones, and which zones are available at the Roon Core at present.
+ *
+ * Answers the display's central question: which zone id does it control, given a display name, also
+ * when that zone plays as part of a group. Zone objects come into being only through add(), and go
+ * only when a list of available zones does not name them any more. Main thread only.
+ */
+class RoonZones : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QVariant zones READ zones NOTIFY zonesChanged)
+
+public:
+    static RoonZones *instance();
+
+    explicit RoonZones(QObject *parent = nullptr);
+    ~RoonZones() override;
+
+    /** The display names of the available zones, without empty ones, sorted without regard to case.
+     */
+    QVariant zones() const;
+    /** The same as a string list. */
+    QStringList availableNames() const;
+
+    /** Whether there is a zone object with the id @p id. */
+    bool contains(const QString &id) const;
+    /** The zone object with the id @p id, or null. It may be gone after the next list of available
+     * zones. */
+    RoonZone *find(const QString &id) const;
+
+    /**
+     * Takes @p zone into the collection, which owns it from then on. Returns false, and leaves the
+     * zone to the caller, when its id is known already.
+     */
+    bool add(RoonZone *zone);
+
+    /**
+     * Replaces the available zones by the JSON array @p json of objects with "id" and "name",
+     * destroys the zone objects that it does not name, and notifies. Anything that is not an array
+     * counts as an empty one.
+     */
+    void updateAvailableZones(const QByteArray &json);
+
+    /**
+     * The id of the zone that the display controls for @p displayName: the available zone of that
+     * name, else the group it leads, else the group it follows; empty when there is none.
+     */
+    QString findZoneByDisplayName(const QString &displayName) const;
+
+signals:
+    void zonesChanged();
+
+private:
+    bool isAvailable(const QString &id) const;
+
+    QHash<QString, RoonZone *>
+        m_zones; // by id; the id under which a zone was added, whatever it is now
+    QHash<QString, QString> m_available; // display name to id
+};

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+
+class UnixSignalWatcherPrivate;
+
+/**
+ * Turns Unix signals into a Qt signal on the main thread, so that SIGINT and SIGTERM end the event
+ * loop instead of killing the process in the middle of its work.
+ *
+ * The asynchronous handler only writes the number into a socket; the event loop reads it back.
+ * Handlers stay installed after the watcher has gone.
+ */
+class UnixSignalWatcher : public QObject {
+    Q_OBJECT
+
+public:
+    explicit UnixSignalWatcher(QObject *parent = nullptr);
+    ~UnixSignalWatcher() override;
+
+    /**
+     * Starts delivering @p signal (a number as in <signal.h>). Asking twice changes nothing; a
+     * signal that cannot be caught is logged at debug level and keeps its default handling.
+     */
+    void watchForSignal(int signal);
+
+signals:
+    /** Emitted once for each delivered signal, in the order in which they came. */
+    void unixSignal(int signal);
+
+private:
+    Q_DECLARE_PRIVATE(UnixSignalWatcher)
+    Q_DISABLE_COPY(UnixSignalWatcher)
+    Q_PRIVATE_SLOT(d_func(), void _q_onNotify(int))
+
+    UnixSignalWatcherPrivate *const d_ptr;
+};

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QList>
+#include <QObject>
+
+class QSocketNotifier;
+class UnixSignalWatcher;
+
+/** The working part of UnixSignalWatcher: a notifier on the process-wide socket pair, and the
+ * watched numbers. */
+class UnixSignalWatcherPrivate : public QObject {
+    Q_OBJECT
+    Q_DECLARE_PUBLIC(UnixSignalWatcher)
+
+public:
+    explicit UnixSignalWatcherPrivate(UnixSignalWatcher *watcher);
+    ~UnixSignalWatcherPrivate() override;
+
+    void watchForSignal(int signal);
+
+    /** Reads one signal number from @p socket and reports it; anything shorter than a number is
+     * dropped. */
+    void _q_onNotify(int socket);
+
+private:
+    UnixSignalWatcher *const q_ptr;
+    QSocketNotifier *m_notifier = nullptr; // null when the socket pair could not be made
+    QList<int> m_watched;
+};

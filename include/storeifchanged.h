@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+/** Stores @p value in @p field. Returns true when that changed the field, so that setters notify
+ * only then. */
+template <typename T> bool storeIfChanged(T &field, const T &value)
+{
+    if (field == value)
+        return false;
+    field = value;
+    return true;
+}

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "coverartloader.h"
+#include "imageprovider.h"
+#include "storeifchanged.h"
+
+#include <QPointer>
+#include <QQmlEngine>
+
+namespace {
+
+constexpr int PatienceMs = 1000;
+
+// One fetch at a time for the whole scene: a page that is being left may still be inside its fetch
+// when the next page asks for a picture.  That one comes here and is served when the fetch has
+// returned.
+bool fetching = false;
+QPointer<CoverArtLoader> nextLoader;
+
+QUrl logo()
+{
+    return QUrl(QStringLiteral("image://velunor/__VELUNOR_LOGO__"));
+}
+
+ImageProvider *providerFor(const QObject *object)
+{
+    const QQmlEngine *const engine = qmlEngine(object);
+    return engine ? dynamic_cast<ImageProvider *>(engine->imageProvider(QStringLiteral("velunor")))
+                  : nullptr;
+}
+
+/** The id that an image provider is given for @p url. */
+QString imageId(const QUrl &url)
+{
+    return url.toString(QUrl::RemoveScheme | QUrl::RemoveAuthority).mid(1);
+}
+
+} // namespace
+
+CoverArtLoader::CoverArtLoader(QObject *parent)
+    : QObject(parent)
+{
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(PatienceMs);
+    connect(&m_patience, &QTimer::timeout, this, &CoverArtLoader::patienceEnded);
+}
+
+CoverArtLoader::~CoverArtLoader()
+{
+    if (m_waitingFor)
+        m_waitingFor->abandonFetches();
+}
+
+void CoverArtLoader::setWanted(const QUrl &url)
+{
+    if (!storeIfChanged(m_wanted, url))
+        return;
+    emit wantedChanged();
+    if (m_waitingFor && !m_patience.isActive())
+        patienceEnded();
+    schedule();
+}
+
+void CoverArtLoader::schedule()
+{
+    if (m_scheduled)
+        return;
+    m_scheduled = true;
+    QMetaObject::invokeMethod(this, &CoverArtLoader::load, Qt::QueuedConnection);
+}
+
+void CoverArtLoader::load()
+{
+    m_scheduled = false;
+    if (fetching) {
+        nextLoader = this;
+        return;
+    }
+    ImageProvider *const provider = providerFor(this);
+    const QUrl url = m_wanted;
+    const QString id = imageId(url);
+    if (!provider || !ImageProvider::isFetched(id)) {
+        setSource(url);
+        return;
+    }
+
+    const QPointer<CoverArtLoader> self(this);
+    const QUrl address = ImageProvider::imageUrl(id);
+    fetching = true;
+    m_loading = url;
+    m_waitingFor = provider;
+    m_patience.start();
+    emit waitingChanged();
+    const bool available = provider->prefetch(id); // anything may happen in here, our own end included
+    fetching = false;
+    if (nextLoader)
+        nextLoader->schedule();
+    nextLoader = nullptr;
+    if (!self)
+        return;
+
+    m_patience.stop();
+    m_waitingFor = nullptr;
+    emit waitingChanged();
+    if (m_wanted != url || ImageProvider::imageUrl(id) != address)
+        schedule(); // another picture is wanted by now, or the core has moved
+    else
+        setSource(available ? url : logo());
+}
+
+void CoverArtLoader::patienceEnded()
+{
+    if (m_wanted != m_loading)
+        m_waitingFor->abandonFetches();
+    else
+        setSource(logo());
+}
+
+void CoverArtLoader::setSource(const QUrl &url)
+{
+    if (storeIfChanged(m_source, url))
+        emit sourceChanged();
+}

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "roonzone.h"
+#include "storeifchanged.h"
+
+#include <QDebug>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+RoonZone::RoonZone(const QString &id)
+    : m_id(id)
+{
+}
+
+void RoonZone::setId(const QString &value)
+{
+    if (storeIfChanged(m_id, value))
+        emit zoneChanged();
+}
+
+void RoonZone::setName(const QString &value)
+{
+    if (storeIfChanged(m_name, value))
+        emit zoneChanged();
+}
+
+void RoonZone::setState(const QString &value)
+{
+    if (storeIfChanged(m_state, value))
+        emit zoneChanged();
+}
+
+void RoonZone::setOutputs(const QByteArray &json)
+{
+    const QJsonArray elements = QJsonDocument::fromJson(json).array();
+    qDebug().noquote().nospace() << "RoonZone::setOutputs() "
+                                 << QJsonDocument(elements).toJson(QJsonDocument::Compact);
+    m_outputs.clear();
+    for (const QJsonValue &element : elements)
+        m_outputs.append(element.toObject().value(QLatin1String("display_name")).toString());
+}

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "roonzones.h"
+
+#include <QDebug>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+
+RoonZones *RoonZones::instance()
+{
+    static RoonZones *const theInstance = new RoonZones;
+    return theInstance;
+}
+
+RoonZones::RoonZones(QObject *parent)
+    : QObject(parent)
+{
+}
+
+RoonZones::~RoonZones()
+{
+    qDeleteAll(m_zones);
+}
+
+QVariant RoonZones::zones() const
+{
+    return availableNames();
+}
+
+QStringList RoonZones::availableNames() const
+{
+    QStringList names = m_available.keys();
+    names.removeAll(QString());
+    std::sort(names.begin(), names.end(), [](const QString &left, const QString &right) {
+        const int order = left.compare(right, Qt::CaseInsensitive);
+        return order != 0 ? order < 0
+                          : left < right; // names that differ in case only keep one order
+    });
+    return names;
+}
+
+bool RoonZones::contains(const QString &id) const
+{
+    return m_zones.contains(id);
+}
+
+RoonZone *RoonZones::find(const QString &id) const
+{
+    return m_zones.value(id);
+}
+
+bool RoonZones::add(RoonZone *zone)
+{
+    const QString id = zone->id();
+    if (m_zones.contains(id))
+        return false;
+    qInfo().noquote().nospace() << "RoonZones::add() inserting zone " << id;
+    m_zones.insert(id, zone);
+    return true;
+}
+
+void RoonZones::updateAvailableZones(const QByteArray &json)
+{
+    const QJsonArray elements = QJsonDocument::fromJson(json).array();
+    m_available.clear();
+    for (int i = 0; i < elements.size(); ++i) {
+        const QJsonObject element = elements.at(i).toObject();
+        const QString id = element.value(QLatin1String("id")).toString();
+        qDebug().noquote().nospace()
+            << "RoonZones::updateAvailableZones() element " << i << " with data " << id;
+        m_available.insert(element.value(QLatin1String("name")).toString(), id);
+    }
+
+    const QStringList known = m_zones.keys();
+    for (const QString &id : known) {
+        if (isAvailable(id))
+            continue;
+        qInfo().noquote().nospace()
+            << "RoonZones::updateAvailableZones() removing stale zone " << id;
+        delete m_zones.take(id);
+    }
+    emit zonesChanged();
+}
+
+QString RoonZones::findZoneByDisplayName(const QString &displayName) const
+{
+    const auto exact = m_available.constFind(displayName);
+    if (exact != m_available.constEnd())
+        return exact.value();
+
+    // Group names are the members' names joined by " + ".  Deliberate: the name counts anywhere in
+    // the group's name; only the last member has no " + " behind it, and is found as a follower.
+    const QString leading = displayName + QLatin1String(" + ");
+    for (auto zone = m_available.constBegin(); zone != m_available.constEnd(); ++zone) {
+        if (zone.key().contains(leading)) {
+            qInfo().noquote().nospace()
+                << "RoonZones::findZoneByDisplayName() we're leader in a GROUPED zone: "
+                << zone.value();
+            return zone.value();
+        }
+    }
+
+    for (auto zone = m_zones.constBegin(); zone != m_zones.constEnd(); ++zone) {
+        if (zone.value()->outputs().contains(displayName) && isAvailable(zone.key())) {
+            qInfo().noquote().nospace()
+                << "RoonZones::findZoneByDisplayName() we're follower in a GROUPED zone: "
+                << zone.key();
+            return zone.key();
+        }
+    }
+    return QString();
+}
+
+bool RoonZones::isAvailable(const QString &id) const
+{
+    return std::find(m_available.constBegin(), m_available.constEnd(), id)
+        != m_available.constEnd();
+}

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "spotify.h"
+
+Spotify *Spotify::instance()
+{
+    static Spotify *const theInstance = new Spotify;
+    return theInstance;
+}
+
+Spotify::Spotify(QObject *parent)
+    : QObject(parent)
+{
+}

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "systemdwatchdog.h"
+
+#include <QDebug>
+
+#include <systemd/sd-daemon.h>
+
+namespace {
+
+constexpr unsigned long KeepAliveMs = 2800;
+
+} // namespace
+
+void SystemdWatchdog::WorkerThread::run()
+{
+    // Termination may only hit the sleep. Cancelled inside the logging or the socket write, the
+    // thread would take their locks with it and the main thread's next log line would never return.
+    setTerminationEnabled(false);
+    qDebug() << "SystemdWatchdog::WorkerThread::run()";
+    for (;;) {
+        qDebug() << "SystemdWatchdog::WorkerThread::PING";
+        SystemdWatchdog::notify(QStringLiteral("WATCHDOG=1"));
+        setTerminationEnabled(true);
+        msleep(KeepAliveMs);
+        setTerminationEnabled(false);
+    }
+}
+
+SystemdWatchdog *SystemdWatchdog::instance()
+{
+    static SystemdWatchdog *const theInstance = new SystemdWatchdog;
+    return theInstance;
+}
+
+SystemdWatchdog::SystemdWatchdog(QObject *parent)
+    : QObject(parent)
+    , m_worker(new WorkerThread)
+{
+    qDebug().noquote().nospace() << "SystemdWatchdog::constructor in thread "
+                                 << QThread::currentThreadId();
+    m_worker->setObjectName(QStringLiteral("watchdog"));
+}
+
+SystemdWatchdog::~SystemdWatchdog()
+{
+    qDebug() << "SystemdWatchdog::destructor";
+    m_worker->terminate();
+    m_worker->wait();
+    delete m_worker;
+}
+
+void SystemdWatchdog::notify(const QString &state)
+{
+    sd_notify(0, state.toLatin1().constData());
+}
+
+void SystemdWatchdog::notifyReady()
+{
+    qDebug() << "SystemdWatchdog::notifyReady()";
+    notify(QStringLiteral("READY=1"));
+    m_worker->start();
+}
