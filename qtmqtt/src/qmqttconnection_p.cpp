@@ -81,22 +81,28 @@ QMqttConnection::~QMqttConnection()
 
 void QMqttConnection::open()
 {
-    if (!createHandle()) {
+    // The library would look names up while everything waits, and would use the first address only.
+    if (QHostAddress address; address.setAddress(m_settings.hostname)) {
+        open({ address });
+        return;
+    }
+    m_lookup = QHostInfo::lookupHost(m_settings.hostname, this, [this](const QHostInfo &info) {
+        m_lookup = -1;
+        open(info.addresses());
+    });
+}
+
+void QMqttConnection::open(const QList<QHostAddress> &addresses)
+{
+    if (createHandle()) {
+        m_addresses = addresses;
+        tryNextAddress();
+    } else {
         // The protocol wants an id from a client whose session is to be remembered.
         end(m_settings.clientId.isEmpty() ? QMqttClient::IdRejected
                                           : QMqttClient::TransportInvalid);
-        announce();
-        return;
     }
-
-    // The library would look names up while everything waits, and would use the first address only.
-    if (QHostAddress address; address.setAddress(m_settings.hostname)) {
-        m_addresses = { address };
-        tryNextAddress();
-        announce();
-    } else {
-        m_lookup = QHostInfo::lookupHost(m_settings.hostname, this, &QMqttConnection::useLookup);
-    }
+    announce();
 }
 
 bool QMqttConnection::createHandle()
@@ -131,14 +137,6 @@ bool QMqttConnection::createHandle()
     mosquitto_subscribe_callback_set(handle, &QMqttConnection::onSubscribe);
     mosquitto_unsubscribe_callback_set(handle, &QMqttConnection::onUnsubscribe);
     return true;
-}
-
-void QMqttConnection::useLookup(const QHostInfo &info)
-{
-    m_lookup = -1;
-    m_addresses = info.addresses();
-    tryNextAddress();
-    announce();
 }
 
 void QMqttConnection::tryNextAddress()

@@ -17,7 +17,6 @@
 #include <variant>
 
 class QDeadlineTimer;
-class QHostInfo;
 class QSocketNotifier;
 struct mosquitto;
 struct mosquitto_message;
@@ -79,6 +78,8 @@ public:
 
     /** Starts the attempt.  Its outcome, even one known at once, comes as an event. */
     void open();
+    /** The same with addresses that are known already, tried in this order. */
+    void open(const QList<QHostAddress> &addresses);
 
     /**
      * Leaves the broker so that all that was published arrives there; blocks for up to a few
@@ -116,7 +117,6 @@ private:
     static void onUnsubscribe(mosquitto *handle, void *self, int id);
 
     bool createHandle();
-    void useLookup(const QHostInfo &info);
     void tryNextAddress();
     void watchSocket();
     void unwatchSocket();

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fakebroker.h"
+
+#include <algorithm>
+
+#include <sys/socket.h>
+
+namespace {
+/** Length of the first packet in @p bytes with its head; 0 while it is not complete. */
+int packetLength(const QByteArray &bytes)
+{
+    int length = 0;
+    for (int i = 1; i < bytes.size(); ++i) {
+        length |= (bytes.at(i) & 0x7f) << (7 * (i - 1));
+        if (!(bytes.at(i) & 0x80)) {
+            const int total = i + 1 + length;
+            return total <= bytes.size() ? total : 0;
+        }
+    }
+    return 0;
+}
+} // namespace
+
+FakeBroker::FakeBroker()
+{
+    m_server.listen(QHostAddress::LocalHost);
+    connect(&m_server, &QTcpServer::newConnection, this, &FakeBroker::accept);
+}
+
+void FakeBroker::accept()
+{
+    QTcpSocket *const socket = m_server.nextPendingConnection();
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
+    m_socket = socket;
+    m_unread.clear();
+    ++m_connections;
+}
+
+void FakeBroker::read(QTcpSocket *socket)
+{
+    m_unread += socket->readAll();
+    while (const int length = packetLength(m_unread)) {
+        const QByteArray packet = m_unread.left(length);
+        m_unread.remove(0, length);
+        handle(packet);
+    }
+}
+
+void FakeBroker::handle(const QByteArray &packet)
+{
+    m_packets.append(packet);
+    const quint8 type = quint8(packet.at(0)) & 0xf0;
+    if (type == Connect) {
+        send(m_answer);
+        if (m_closing)
+            closeConnection();
+    } else if (type == PingRequest && m_answeringPings) {
+        send(QByteArray::fromHex("d000"));
+    }
+}
+
+void FakeBroker::send(const QByteArray &bytes)
+{
+    if (m_socket)
+        m_socket->write(bytes);
+}
+
+void FakeBroker::sendByteWise(const QByteArray &bytes)
+{
+    for (const char byte : bytes) {
+        m_socket->write(&byte, 1);
+        m_socket->flush();
+    }
+}
+
+void FakeBroker::closeConnection() { m_socket->disconnectFromHost(); }
+
+void FakeBroker::resetConnection()
+{
+    const linger now { 1, 0 };
+    setsockopt(int(m_socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &now, sizeof now);
+    m_socket->abort();
+}
+
+int FakeBroker::count(Packet type) const
+{
+    return int(std::count_if(m_packets.cbegin(), m_packets.cend(),
+        [type](const QByteArray &packet) { return (quint8(packet.at(0)) & 0xf0) == type; }));
+}
+
+bool FakeBroker::isDeserted() const
+{
+    return m_socket && m_socket->state() == QAbstractSocket::UnconnectedState;
+}
+
+QByteArray FakeBroker::message(const QByteArray &topic, const QByteArray &payload)
+{
+    QByteArray packet("\x30");
+    packet += char(2 + topic.size() + payload.size());
+    packet += '\0';
+    packet += char(topic.size());
+    return packet + topic + payload;
+}

@@ -1,0 +1,666 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fakebroker.h"
+#include "qmqttconnection_p.h"
+#include "signallog.h"
+#include "testbroker.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtNetwork/QTcpServer>
+#include <QtTest/QtTest>
+
+namespace {
+constexpr int PatienceMs = 20000;
+const QString LocalHost = QStringLiteral("127.0.0.1");
+
+const QStringList Attempt { "stateChanged(Connecting)" };
+const QStringList Success { "stateChanged(Connected)", "connected" };
+const QStringList Farewell { "stateChanged(Disconnected)", "disconnected" };
+
+QStringList failure(const QString &error)
+{
+    return Farewell + QStringList { "errorChanged(" + error + ")" };
+}
+
+const QStringList Loss = failure("TransportInvalid");
+
+/** A port on which nobody listens. */
+quint16 deafPort()
+{
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost);
+    return server.serverPort();
+}
+
+void aim(QMqttClient *client, quint16 port)
+{
+    client->setHostname(LocalHost);
+    client->setPort(port);
+}
+} // namespace
+
+#define TRY_LOG(log, expected)                                                                     \
+    QTRY_COMPARE_WITH_TIMEOUT((log).entries(), expected, PatienceMs);                              \
+    (log).take()
+
+/** Connecting, losing and leaving: which signals, in which order, and what goes over the wire. */
+class TestConnection : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void freshClientHasDefaults();
+    void eachClientHasItsOwnId();
+    void connectRequestCarriesDefaults();
+    void connectRequestCarriesSettings();
+    void emptyIdIsSentAsEmpty();
+    void emptyIdWithRememberedSessionIsRejected();
+    void setterTellsOnlyChanges();
+    void settersAreIgnoredUnlessDisconnected();
+    void enumeratorsPrintWithTheirClass();
+    void stringBasedConnectionsWork();
+
+    void successfulConnection();
+    void nameIsLookedUpInTheBackground();
+    void refusedConnection();
+    void unknownHostName();
+    void missingAddressFailsAtOnce();
+    void nextAddressIsTried();
+    void secondCallWhileConnectingDoesNothing();
+    void peerThatClosesFails_data();
+    void peerThatClosesFails();
+    void refusalGivesItsError_data();
+    void refusalGivesItsError();
+    void foreignProtocolIsAViolation_data();
+    void foreignProtocolIsAViolation();
+    void answerInPiecesIsUnderstood();
+    void acceptedAndClosedAtOnceIsLost();
+
+    void killedBroker();
+    void stoppedBroker();
+    void takenOverClientId();
+    void resetConnection();
+    void reconnectsAfterLoss();
+
+    void leavingIsSynchronousAndNoError();
+    void leavingWhileConnectingIsAnError();
+    void leavingWhileDisconnectedDoesNothing();
+    void leavingSaysFarewellOnce();
+    void deletedClientLeavesSilently();
+    void deletedWhileConnectingIsSilent();
+    void leavingAFrozenBrokerEnds();
+    void unsentBacklogIsFlushedOnLeaving();
+
+private:
+    TestBroker m_broker;
+};
+
+void TestConnection::initTestCase() { QVERIFY(m_broker.start()); }
+
+void TestConnection::freshClientHasDefaults()
+{
+    const QMqttClient client;
+    QCOMPARE(client.hostname(), QString());
+    QCOMPARE(client.port(), quint16(0));
+    QVERIFY(QRegularExpression("^[0-9a-f]{23}$").match(client.clientId()).hasMatch());
+    QCOMPARE(client.keepAlive(), quint16(60));
+    QCOMPARE(client.cleanSession(), true);
+    QCOMPARE(client.protocolVersion(), QMqttClient::MQTT_3_1_1);
+    QCOMPARE(client.autoKeepAlive(), true);
+    QCOMPARE(client.state(), QMqttClient::Disconnected);
+    QCOMPARE(client.error(), QMqttClient::NoError);
+    QCOMPARE(client.username(), QString());
+    QCOMPARE(client.password(), QString());
+    QCOMPARE(client.willTopic(), QString());
+    QCOMPARE(client.willMessage(), QByteArray());
+    QCOMPARE(client.willQoS(), quint8(0));
+    QCOMPARE(client.willRetain(), false);
+}
+
+void TestConnection::eachClientHasItsOwnId()
+{
+    QVERIFY(QMqttClient().clientId() != QMqttClient().clientId());
+}
+
+void TestConnection::connectRequestCarriesDefaults()
+{
+    FakeBroker peer;
+    QMqttClient client;
+    aim(&client, peer.port());
+    client.connectToHost();
+    QTRY_COMPARE(peer.packets().size(), 1);
+    const QByteArray head = QByteArray::fromHex("1023"
+                                                "00044d515454"
+                                                "04"
+                                                "02"
+                                                "003c"
+                                                "0017");
+    QCOMPARE(peer.packets().constFirst(), head + client.clientId().toLatin1());
+}
+
+void TestConnection::connectRequestCarriesSettings()
+{
+    FakeBroker peer;
+    QMqttClient client;
+    aim(&client, peer.port());
+    client.setClientId("me");
+    client.setCleanSession(false);
+    client.setKeepAlive(1); // the library takes no less than 5
+    client.setUsername("u");
+    client.setPassword("p");
+    client.setWillTopic("w");
+    client.setWillMessage("gone");
+    client.setWillQoS(1);
+    client.setWillRetain(true);
+    client.connectToHost();
+    QTRY_COMPARE(peer.packets().size(), 1);
+    QCOMPARE(peer.packets().constFirst().mid(2),
+        QByteArray::fromHex("00044d515454"
+                            "04"
+                            "ec"
+                            "0005")
+            + QByteArray("\0\2me\0\1w", 7) + QByteArray("\0\4gone\0\1u\0\1p", 12));
+}
+
+void TestConnection::emptyIdIsSentAsEmpty()
+{
+    QMqttClient client;
+    aim(&client, m_broker.port());
+    client.setClientId(QString());
+    client.connectToHost();
+    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    QCOMPARE(client.clientId(), QString());
+}
+
+void TestConnection::emptyIdWithRememberedSessionIsRejected()
+{
+    QMqttClient client;
+    aim(&client, m_broker.port());
+    client.setClientId(QString());
+    client.setCleanSession(false);
+    SignalLog log(&client);
+    client.connectToHost();
+    QCOMPARE(log.take(), Attempt);
+    TRY_LOG(log, failure("IdRejected"));
+}
+
+void TestConnection::setterTellsOnlyChanges()
+{
+    QMqttClient client;
+    QSignalSpy keepAlive(&client, &QMqttClient::keepAliveChanged);
+    QSignalSpy autoKeepAlive(&client, &QMqttClient::autoKeepAliveChanged);
+    QSignalSpy hostname(&client, &QMqttClient::hostnameChanged);
+    client.setKeepAlive(60);
+    client.setAutoKeepAlive(true);
+    client.setHostname(QString());
+    QCOMPARE(keepAlive.count() + autoKeepAlive.count() + hostname.count(), 0);
+    client.setKeepAlive(30);
+    client.setKeepAlive(30);
+    client.setHostname("a");
+    QCOMPARE(keepAlive.count(), 1);
+    QCOMPARE(keepAlive.at(0).at(0).value<quint16>(), quint16(30));
+    QCOMPARE(hostname.at(0).at(0).toString(), QString("a"));
+
+    QSignalSpy version(&client, &QMqttClient::protocolVersionChanged);
+    client.setProtocolVersion(QMqttClient::MQTT_5_0); // not supported
+    QCOMPARE(client.protocolVersion(), QMqttClient::MQTT_3_1_1);
+    client.setProtocolVersion(QMqttClient::MQTT_3_1);
+    QCOMPARE(version.count(), 1);
+    client.setWillQoS(3);
+    QCOMPARE(client.willQoS(), quint8(0));
+}
+
+void TestConnection::settersAreIgnoredUnlessDisconnected()
+{
+    FakeBroker peer;
+    peer.setAnswer(QByteArray()); // stays in Connecting
+    QMqttClient client;
+    aim(&client, peer.port());
+    client.connectToHost();
+    QSignalSpy port(&client, &QMqttClient::portChanged);
+    client.setPort(1);
+    client.setHostname("elsewhere");
+    client.setClientId("other");
+    client.setKeepAlive(7);
+    QCOMPARE(port.count(), 0);
+    QCOMPARE(client.port(), peer.port());
+    QCOMPARE(client.hostname(), LocalHost);
+    QVERIFY(client.clientId() != "other");
+    QCOMPARE(client.keepAlive(), quint16(60));
+}
+
+void TestConnection::enumeratorsPrintWithTheirClass()
+{
+    QString text;
+    QDebug(&text) << "Mqtt::error()" << QMqttClient::TransportInvalid;
+    QCOMPARE(text.trimmed(), QString("Mqtt::error() QMqttClient::TransportInvalid"));
+    text.clear();
+    QDebug(&text) << QMqttClient::ClientError(6);
+    QCOMPARE(text.trimmed(), QString("QMqttClient::ClientError(6)"));
+    QCOMPARE(QMetaEnum::fromType<QMqttClient::ClientError>().valueToKey(256), "TransportInvalid");
+}
+
+void TestConnection::stringBasedConnectionsWork()
+{
+    QMqttClient client;
+    const QMetaObject *meta = client.metaObject();
+    for (const char *signal : { "connected()", "disconnected()", "stateChanged(ClientState)",
+             "errorChanged(ClientError)", "messageReceived(QByteArray,QMqttTopicName)",
+             "messageReceived(QByteArray)", "messageSent(int)", "pingResponseReceived()",
+             "brokerSessionRestored()", "portChanged(quint16)", "hostnameChanged(QString)" })
+        QVERIFY2(meta->indexOfSignal(signal) >= 0, signal);
+    QVERIFY(meta->indexOfMethod("connectToHost()") >= 0);
+    QVERIFY(meta->indexOfMethod("disconnectFromHost()") >= 0);
+    QVERIFY(meta->indexOfMethod("publish(QMqttTopicName,QByteArray,quint8,bool)") >= 0);
+
+    // Across an event loop the arguments are copied, which needs their types to be known.
+    QSignalSpy errors(&client, SIGNAL(errorChanged(ClientError)));
+    int queued = 0;
+    connect(
+        &client, &QMqttClient::errorChanged, this, [&] { ++queued; }, Qt::QueuedConnection);
+    client.connectToHost();
+    QCOMPARE(errors.count(), 1);
+    QCOMPARE(errors.at(0).at(0).value<QMqttClient::ClientError>(), QMqttClient::TransportInvalid);
+    QTRY_COMPARE(queued, 1);
+}
+
+void TestConnection::successfulConnection()
+{
+    QMqttClient client;
+    aim(&client, m_broker.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    QCOMPARE(log.take(), Attempt);
+    QCOMPARE(client.state(), QMqttClient::Connecting);
+    TRY_LOG(log, Success);
+    QCOMPARE(client.state(), QMqttClient::Connected);
+    client.connectToHost();
+    QCOMPARE(log.take(), QStringList());
+    QTRY_VERIFY(m_broker.log().contains(client.clientId().toLatin1() + " (p2, c1, k60)."));
+}
+
+void TestConnection::nameIsLookedUpInTheBackground()
+{
+    QMqttClient client;
+    aim(&client, m_broker.port());
+    client.setHostname("localhost");
+    SignalLog log(&client);
+    client.connectToHost();
+    QCOMPARE(log.take(), Attempt);
+    TRY_LOG(log, Success);
+}
+
+void TestConnection::refusedConnection()
+{
+    QMqttClient client;
+    aim(&client, deafPort());
+    SignalLog log(&client);
+    for (int i = 0; i < 2; ++i) {
+        client.connectToHost();
+        QCOMPARE(log.take(), Attempt);
+        QCOMPARE(client.error(), QMqttClient::NoError);
+        TRY_LOG(log, Loss);
+        QCOMPARE(client.error(), QMqttClient::TransportInvalid);
+    }
+}
+
+void TestConnection::unknownHostName()
+{
+    QMqttClient client;
+    aim(&client, m_broker.port());
+    client.setHostname("nobody.invalid");
+    SignalLog log(&client);
+    client.connectToHost();
+    QCOMPARE(log.take(), Attempt);
+    TRY_LOG(log, Loss);
+}
+
+void TestConnection::missingAddressFailsAtOnce()
+{
+    QMqttClient client;
+    SignalLog log(&client);
+    const QStringList expected { "errorChanged(TransportInvalid)" };
+    client.connectToHost();
+    QCOMPARE(log.take(), expected);
+    aim(&client, 0);
+    client.connectToHost(); // tells again
+    QCOMPARE(log.take(), expected);
+    aim(&client, m_broker.port());
+    client.connectToHost();
+    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    client.disconnectFromHost();
+    client.setHostname(QString());
+    log.take();
+    client.connectToHost(); // also after a connection
+    QCOMPARE(log.take(), expected);
+    QCOMPARE(client.state(), QMqttClient::Disconnected);
+}
+
+void TestConnection::nextAddressIsTried()
+{
+    QMqttConnection::Settings settings;
+    settings.port = m_broker.port();
+    QMqttConnection connection(settings);
+    QSignalSpy available(&connection, &QMqttConnection::eventsAvailable);
+    connection.open({ QHostAddress::LocalHostIPv6, QHostAddress("127.0.0.2"),
+        QHostAddress(QHostAddress::LocalHost) }); // the broker is at the last one only
+    QTRY_COMPARE(available.count(), 1);
+    QVERIFY(std::holds_alternative<QMqttConnection::Accepted>(connection.takeEvent()));
+    QVERIFY(!connection.hasEvents());
+}
+
+void TestConnection::secondCallWhileConnectingDoesNothing()
+{
+    FakeBroker peer;
+    QMqttClient client;
+    aim(&client, peer.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    client.connectToHost();
+    TRY_LOG(log, Attempt + Success);
+    QCOMPARE(peer.connections(), 1);
+}
+
+void TestConnection::peerThatClosesFails_data()
+{
+    QTest::addColumn<bool>("reset");
+    QTest::newRow("orderly") << false;
+    QTest::newRow("reset") << true;
+}
+
+void TestConnection::peerThatClosesFails()
+{
+    QFETCH(bool, reset);
+    FakeBroker peer;
+    peer.setAnswer(QByteArray());
+    QMqttClient client;
+    aim(&client, peer.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    QTRY_COMPARE(peer.packets().size(), 1);
+    QCOMPARE(log.take(), Attempt);
+    if (reset)
+        peer.resetConnection();
+    else
+        peer.closeConnection();
+    TRY_LOG(log, Loss);
+}
+
+void TestConnection::refusalGivesItsError_data()
+{
+    QTest::addColumn<QString>("error");
+    QTest::addColumn<int>("code");
+    QTest::newRow("1") << "InvalidProtocolVersion" << 1;
+    QTest::newRow("2") << "IdRejected" << 2;
+    QTest::newRow("3") << "ServerUnavailable" << 3;
+    QTest::newRow("4") << "BadUsernameOrPassword" << 4;
+    QTest::newRow("5") << "NotAuthorized" << 5;
+    QTest::newRow("6") << "6" << 6;
+    QTest::newRow("255") << "255" << 255;
+}
+
+void TestConnection::refusalGivesItsError()
+{
+    QFETCH(QString, error);
+    QFETCH(int, code);
+    FakeBroker peer;
+    peer.setAnswer(QByteArray::fromHex("200200") + char(code));
+    peer.setClosing(true);
+    QMqttClient client;
+    aim(&client, peer.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    TRY_LOG(log, Attempt + failure(error));
+    QTRY_VERIFY(peer.isDeserted());
+    QCOMPARE(log.take(), QStringList()); // the closing is not told as another error
+}
+
+void TestConnection::foreignProtocolIsAViolation_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("web server") << QByteArray("HTTP/1.1 400 Bad Request\r\n\r\n");
+    QTest::newRow("one byte") << QByteArray("S");
+    QTest::newRow("zeros") << QByteArray(8, '\0');
+    QTest::newRow("another packet") << QByteArray::fromHex("d000");
+    QTest::newRow("length never ends") << QByteArray::fromHex("20ffffffffff");
+}
+
+void TestConnection::foreignProtocolIsAViolation()
+{
+    QFETCH(QByteArray, bytes);
+    FakeBroker peer;
+    peer.setAnswer(bytes);
+    QMqttClient client;
+    aim(&client, peer.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    TRY_LOG(log, Attempt + failure("ProtocolViolation"));
+    QTRY_VERIFY(peer.isDeserted());
+}
+
+void TestConnection::answerInPiecesIsUnderstood()
+{
+    FakeBroker peer;
+    peer.setAnswer(QByteArray());
+    QMqttClient client;
+    aim(&client, peer.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    QTRY_COMPARE(peer.packets().size(), 1);
+    peer.sendByteWise(FakeBroker::acceptance());
+    TRY_LOG(log, Attempt + Success);
+}
+
+void TestConnection::acceptedAndClosedAtOnceIsLost()
+{
+    FakeBroker peer;
+    peer.setAnswer(FakeBroker::acceptance() + FakeBroker::message("t", "last words"));
+    peer.setClosing(true);
+    QMqttClient client;
+    aim(&client, peer.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    TRY_LOG(log, Attempt + Success + QStringList { "message last words" } + Loss);
+}
+
+void TestConnection::killedBroker()
+{
+    TestBroker broker;
+    QVERIFY(broker.start());
+    QMqttClient client;
+    aim(&client, broker.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    TRY_LOG(log, Attempt + Success);
+    broker.kill();
+    QCOMPARE(log.take(), QStringList());
+    TRY_LOG(log, Loss);
+    QCOMPARE(client.error(), QMqttClient::TransportInvalid);
+}
+
+void TestConnection::stoppedBroker()
+{
+    TestBroker broker;
+    QVERIFY(broker.start());
+    QMqttClient client;
+    aim(&client, broker.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    TRY_LOG(log, Attempt + Success);
+    broker.stop();
+    TRY_LOG(log, Loss);
+}
+
+void TestConnection::takenOverClientId()
+{
+    QMqttClient first, second;
+    aim(&first, m_broker.port());
+    aim(&second, m_broker.port());
+    second.setClientId(first.clientId());
+    SignalLog log(&first);
+    first.connectToHost();
+    TRY_LOG(log, Attempt + Success);
+    second.connectToHost();
+    TRY_LOG(log, Loss);
+    QTRY_COMPARE(second.state(), QMqttClient::Connected);
+}
+
+void TestConnection::resetConnection()
+{
+    FakeBroker peer;
+    QMqttClient client;
+    aim(&client, peer.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    TRY_LOG(log, Attempt + Success);
+    peer.resetConnection();
+    TRY_LOG(log, Loss);
+}
+
+void TestConnection::reconnectsAfterLoss()
+{
+    FakeBroker peer;
+    QMqttClient client;
+    const QString id = client.clientId();
+    aim(&client, peer.port());
+    SignalLog log(&client);
+    for (int i = 0; i < 3; ++i) {
+        client.connectToHost();
+        QCOMPARE(client.error(), QMqttClient::NoError);
+        TRY_LOG(log, Attempt + Success);
+        peer.closeConnection();
+        TRY_LOG(log, Loss);
+    }
+    QCOMPARE(client.clientId(), id);
+    QCOMPARE(peer.packets().at(0), peer.packets().at(2));
+}
+
+void TestConnection::leavingIsSynchronousAndNoError()
+{
+    QMqttClient client;
+    aim(&client, m_broker.port());
+    SignalLog log(&client);
+    for (int i = 0; i < 2; ++i) {
+        client.connectToHost();
+        TRY_LOG(log, Attempt + Success);
+        client.disconnectFromHost();
+        QCOMPARE(log.take(), Farewell);
+        QCOMPARE(client.error(), QMqttClient::NoError);
+    }
+    QTRY_COMPARE(m_broker.log().count(client.clientId().toLatin1() + " disconnected."), 2);
+}
+
+void TestConnection::leavingWhileConnectingIsAnError()
+{
+    FakeBroker peer;
+    peer.setAnswer(QByteArray());
+    QMqttClient client;
+    aim(&client, peer.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    log.take();
+    client.disconnectFromHost();
+    QCOMPARE(log.take(), Loss);
+
+    client.setHostname("localhost"); // given up during the lookup
+    client.connectToHost();
+    client.disconnectFromHost();
+    QCOMPARE(log.take(), Attempt + Loss);
+    QTRY_VERIFY(peer.isDeserted());
+    QCOMPARE(peer.connections(), 1);
+    QCOMPARE(log.take(), QStringList());
+}
+
+void TestConnection::leavingWhileDisconnectedDoesNothing()
+{
+    QMqttClient client;
+    SignalLog log(&client);
+    client.disconnectFromHost();
+    QCOMPARE(log.take(), QStringList());
+}
+
+void TestConnection::leavingSaysFarewellOnce()
+{
+    FakeBroker peer;
+    {
+        QMqttClient client;
+        aim(&client, peer.port());
+        client.connectToHost();
+        QTRY_COMPARE(client.state(), QMqttClient::Connected);
+        client.disconnectFromHost();
+    }
+    QTRY_VERIFY(peer.isDeserted());
+    QCOMPARE(peer.packets().size(), 2);
+    QCOMPARE(peer.packets().constLast(), QByteArray::fromHex("e000"));
+}
+
+void TestConnection::deletedClientLeavesSilently()
+{
+    FakeBroker peer;
+    auto client = std::make_unique<QMqttClient>();
+    aim(client.get(), peer.port());
+    client->connectToHost();
+    QTRY_COMPARE(client->state(), QMqttClient::Connected);
+    SignalLog log(client.get());
+    QSignalSpy destroyed(client.get(), &QObject::destroyed);
+    for (int i = 0; i < 5; ++i)
+        QCOMPARE(client->publish(QLatin1String("t"), "x"), 0);
+    client.reset();
+    QCOMPARE(log.take(), QStringList());
+    QCOMPARE(destroyed.count(), 1);
+    QTRY_COMPARE(peer.count(FakeBroker::Disconnect), 1);
+    QCOMPARE(peer.count(FakeBroker::Publish), 5);
+}
+
+void TestConnection::deletedWhileConnectingIsSilent()
+{
+    FakeBroker peer;
+    peer.setAnswer(QByteArray());
+    auto client = std::make_unique<QMqttClient>();
+    aim(client.get(), peer.port());
+    client->connectToHost();
+    QTRY_COMPARE(peer.packets().size(), 1);
+    SignalLog log(client.get());
+    client.reset();
+    QCOMPARE(log.take(), QStringList());
+    QTRY_VERIFY(peer.isDeserted());
+    QCOMPARE(peer.packets().size(), 1);
+}
+
+void TestConnection::leavingAFrozenBrokerEnds()
+{
+    FakeBroker peer; // in this thread, so it does nothing while we leave
+    QMqttClient client;
+    aim(&client, peer.port());
+    client.connectToHost();
+    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    // More than the sockets hold, so that neither this nor the farewell gets through.
+    client.publish(QLatin1String("t"), QByteArray(64 << 20, 'x'), 1);
+    SignalLog log(&client);
+    client.disconnectFromHost();
+    QCOMPARE(log.take(), Farewell);
+}
+
+void TestConnection::unsentBacklogIsFlushedOnLeaving()
+{
+    QMqttClient observer, client;
+    aim(&observer, m_broker.port());
+    aim(&client, m_broker.port());
+    observer.connectToHost();
+    client.connectToHost();
+    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    QTRY_COMPARE(observer.state(), QMqttClient::Connected);
+    qint64 received = 0;
+    connect(&observer, &QMqttClient::messageReceived, this,
+        [&](const QByteArray &payload) { received += payload.size(); });
+    const QMqttSubscription *subscription = observer.subscribe(QLatin1String("backlog"));
+    QTRY_COMPARE(subscription->state(), QMqttSubscription::Subscribed);
+
+    const QByteArray payload(8 << 20, 'x'); // more than a socket holds
+    for (int i = 0; i < 3; ++i)
+        QCOMPARE(client.publish(QLatin1String("backlog"), payload), 0);
+    client.disconnectFromHost();
+    QTRY_COMPARE_WITH_TIMEOUT(received, qint64(3 * payload.size()), PatienceMs);
+    QTRY_VERIFY(m_broker.log().contains(client.clientId().toLatin1() + " disconnected."));
+}
+
+QTEST_GUILESS_MAIN(TestConnection)
+#include "tst_connection.moc"
