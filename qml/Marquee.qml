@@ -17,7 +17,8 @@ Item {
     /** Milliseconds that one passage takes. */
     property int scrollDuration: 200 * text.length
     property bool scrollingEnabled: true
-    readonly property bool scrolling: scrollingEnabled && visible && label.implicitWidth > width
+    readonly property bool scrolling: scrollingEnabled && visible && textWidth > width
+    readonly property int textWidth: Math.ceil(metrics.advanceWidth)
 
     /** A change of text or size begins a new passage: a running animation would keep its old end points. */
     function restart() {
@@ -33,6 +34,7 @@ Item {
     onScrollingChanged: restart()
     onScrollDurationChanged: restart()
     onTextChanged: restart()
+    onTextWidthChanged: restart()
     onWidthChanged: restart()
 
     PageText {
@@ -40,13 +42,20 @@ Item {
 
         objectName: "label"
         anchors.verticalCenter: parent.verticalCenter
-        width: root.scrolling ? implicitWidth : Math.min(implicitWidth, root.width)
+        width: root.scrolling ? root.textWidth : root.width
         color: root.textColor
         // Line breaks in a title would make it several lines high.
         text: root.text.replace(/[\r\n\u2028\u2029]+/g, " ")
         horizontalAlignment: Text.AlignLeft
         elide: root.scrolling ? Text.ElideNone : Text.ElideRight
-        onImplicitWidthChanged: root.restart()
+    }
+
+    // An elided label does not tell how wide its whole text is.
+    TextMetrics {
+        id: metrics
+
+        font: label.font
+        text: label.text
     }
 
     NumberAnimation {
@@ -56,7 +65,7 @@ Item {
         target: label
         property: "x"
         from: root.width
-        to: -label.implicitWidth
+        to: -root.textWidth
         duration: root.scrollDuration
         loops: Animation.Infinite
     }

@@ -47,15 +47,18 @@ PanelPopup {
     ListView {
         id: zoneList
 
+        readonly property real rowHeight: root.panelHeight / 8
+
         objectName: "zoneList"
         anchors {
             left: header.left
             right: header.right
             top: header.bottom
             topMargin: 4
-            bottom: parent.bottom
-            bottomMargin: 10
         }
+        // Whole rows, so that none is cut while the list rests.
+        height: Math.floor((parent.height - y - 10) / rowHeight) * rowHeight
+        snapMode: ListView.SnapToItem
         clip: true
         model: root.zones
         highlightMoveDuration: 0
@@ -68,7 +71,7 @@ PanelPopup {
 
         delegate: Item {
             width: zoneList.width
-            height: root.panelHeight / 8
+            height: zoneList.rowHeight
 
             PageText {
                 anchors { fill: parent; leftMargin: 12; rightMargin: 12 }
@@ -88,5 +91,17 @@ PanelPopup {
                 }
             }
         }
+    }
+
+    // Tells that there is more, and where.
+    Rectangle {
+        objectName: "scrollPosition"
+        anchors { right: zoneList.right; rightMargin: 2 }
+        y: zoneList.y + zoneList.visibleArea.yPosition * zoneList.height
+        width: 6
+        height: zoneList.visibleArea.heightRatio * zoneList.height
+        radius: width / 2
+        visible: zoneList.visibleArea.heightRatio < 1
+        color: Theme.accent
     }
 }

@@ -42,58 +42,64 @@ Window {
         }
     }
 
-    ScreenRotator {
-        id: rotator
+    // The window's content is sized only when the window is shown; the rotator wants its size from the start.
+    Item {
+        width: root.width
+        height: root.height
 
-        objectName: "rotator"
-        isSwapped: ScreenController.swapped
-        isRotated: ScreenController.rotated
+        ScreenRotator {
+            id: rotator
 
-        Repeater {
-            model: root.screenList
+            objectName: "rotator"
+            isSwapped: ScreenController.swapped
+            isRotated: ScreenController.rotated
 
-            Loader {
-                id: ld
+            Repeater {
+                model: root.screenList
 
-                function loadIfNotLoaded() {
-                    if (visible && !active)
-                        active = true;
-                }
+                Loader {
+                    id: ld
 
-                objectName: "loader" + modelData
-                anchors.fill: parent
-                active: false
-                asynchronous: true
-                visible: root.currentScreen === modelData
-                source: modelData + ".qml"
-                onVisibleChanged: {
-                    loadIfNotLoaded();
-                    if (visible)
-                        Navigation.screenChanged(root.currentScreen);
-                    else
-                        active = false;
-                }
-                // Deliberate: the sources never change, so pages come without the slide.
-                onSourceChanged: {
-                    if (status === Loader.Ready)
-                        animation.start();
-                }
+                    function loadIfNotLoaded() {
+                        if (visible && !active)
+                            active = true;
+                    }
 
-                Component.onCompleted: {
-                    console.debug("screen properties:", Screen.height, Screen.width,
-                                  Screen.desktopAvailableHeight, Screen.desktopAvailableWidth);
-                    loadIfNotLoaded();
-                }
+                    objectName: "loader" + modelData
+                    anchors.fill: parent
+                    active: false
+                    asynchronous: true
+                    visible: root.currentScreen === modelData
+                    source: modelData + ".qml"
+                    onVisibleChanged: {
+                        loadIfNotLoaded();
+                        if (visible)
+                            Navigation.screenChanged(root.currentScreen);
+                        else
+                            active = false;
+                    }
+                    // Deliberate: the sources never change, so pages come without the slide.
+                    onSourceChanged: {
+                        if (status === Loader.Ready)
+                            animation.start();
+                    }
 
-                NumberAnimation {
-                    id: animation
+                    Component.onCompleted: {
+                        console.debug("screen properties:", Screen.height, Screen.width,
+                                      Screen.desktopAvailableHeight, Screen.desktopAvailableWidth);
+                        loadIfNotLoaded();
+                    }
 
-                    target: ld.item
-                    property: "x"
-                    from: root.width
-                    to: 0
-                    duration: 600
-                    easing.type: Easing.OutCubic
+                    NumberAnimation {
+                        id: animation
+
+                        target: ld.item
+                        property: "x"
+                        from: root.width
+                        to: 0
+                        duration: 600
+                        easing.type: Easing.OutCubic
+                    }
                 }
             }
         }

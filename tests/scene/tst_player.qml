@@ -1,1 +1,532 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick 2.15
+import QtQuick.Window 2.15
+import QtTest 1.15
+import SceneTest 1.0
+import Velunor.Navigation 1.0
+import Velunor.Player 1.0
+import Velunor.RoonZones 1.0
+import Velunor.Screen 1.0
+import Velunor.Settings 1.0
+import Velunor.VelunorState 1.0
 
+Item {
+    id: top
+
+    width: 800
+    height: 480
+
+    SceneTestCase {
+        name: "PlayerPage"
+
+        readonly property var stopped: ({
+            roonState: "init", song: "", artist: "", album: "", imageKey: "", seekPosition: 0, length: 0, zone: "UNKNOWN",
+            autoRadio: false, loop: "disabled", shuffle: false, volumeAvailable: true, volume: 0, limitMinVolume: 0,
+            limitMaxVolume: 100, limitSoftVolume: 80, volumeStep: 1, volumeDisplayPrecision: 0, queueItemsRemaining: 0,
+            prevAllowed: false, nextAllowed: false, pauseAllowed: false, playAllowed: false, seekAllowed: false
+        })
+        readonly property var playing: ({
+            roonState: "playing", song: "Blue in Green", artist: "Miles Davis", album: "Kind of Blue", imageKey: "abc",
+            seekPosition: 125, length: 337, zone: "Kitchen", prevAllowed: true, nextAllowed: true, pauseAllowed: true,
+            seekAllowed: true, queueItemsRemaining: 4
+        })
+        property var page: null
+
+        function prepare() {
+            ScreenController.width = 800;
+            ScreenController.height = 480;
+            Settings.scrolling = true;
+            Settings.hideOptionsButtons = false;
+            VelunorState.UpdateAvailable = false;
+            VelunorState.UpdateInstalling = false;
+            RoonZones.zones = ["Bath", "Kitchen"];
+            set(stopped);
+            open();
+        }
+
+        function open() {
+            page = create("RoonPlayerWindow2.qml", top);
+            tryCompare(item("coverPicture"), "status", Image.Ready);
+            waitForCells();
+            Messages.clear();
+            Player.calls = [];
+            Navigation.calls = [];
+        }
+
+        /** The cells of the rows find their places when the next frame is prepared. */
+        function waitForCells() {
+            tryVerify(function() {
+                return item("loop").x === 2 * item("loop").width && item("next").x === 2 * item("next").width;
+            });
+        }
+
+        function set(values) {
+            for (const name in values)
+                Player[name] = values[name];
+        }
+
+        function item(name) {
+            const found = find(page, name);
+            verify(found !== null, name);
+            return found;
+        }
+
+        function icon(name) {
+            return find(item(name), "icon");
+        }
+
+        function text(name) {
+            return find(item(name), "marquee").text;
+        }
+
+        /** Where the item lies on the page. */
+        function area(name) {
+            const it = item(name);
+            return it.mapToItem(page, 0, 0, it.width, it.height);
+        }
+
+        // Half a pixel is left to the rounding of centred boxes.
+        function compareArea(name, x, y, width, height) {
+            const found = area(name);
+            fuzzyCompare(found.x, x, 0.51, name + " x");
+            fuzzyCompare(found.y, y, 0.51, name + " y");
+            fuzzyCompare(found.width, width, 0.51, name + " width");
+            fuzzyCompare(found.height, height, 0.51, name + " height");
+        }
+
+        function tapPage(x, y) {
+            tap(page, x, y);
+        }
+
+        function test_boxesLieWhereTheyBelong_data() {
+            return [
+                { tag: "800x480", sw: 800, sh: 480 },
+                { tag: "1280x800", sw: 1280, sh: 800 },
+                { tag: "1280x720", sw: 1280, sh: 720 }
+            ];
+        }
+
+        function test_boxesLieWhereTheyBelong(row) {
+            ScreenController.width = row.sw;
+            ScreenController.height = row.sh;
+            waitForCells();
+            const margin = 0.01 * row.sh;
+            const side = 0.5 * row.sw;
+            const left = margin + side + 0.01 * row.sw;
+            const w = row.sw - margin - left;
+            const h = side;
+            const top = row.sh - margin - h;
+            const middle = left + w / 2;
+            compareArea("RoonPlayerWindow2", 0, 0, row.sw, row.sh);
+            compareArea("cover", margin, top, side, side);
+            compareArea("coverPicture", margin + 4, top + 4, side - 8, side - 8);
+            compareArea("settingsCorner", 0.9 * row.sw, row.sh - row.sw / 10, row.sw / 10, row.sw / 10);
+            compareArea("cycleCorner", 0.9 * row.sw, 0, row.sw / 10, row.sw / 10);
+            compareArea("songTitle", 0.01 * row.sw, 0, 0.98 * row.sw, top);
+            compareArea("album", left, top, w, 0.12 * h);
+            compareArea("artist", left, top + 0.12 * h, w, 0.12 * h);
+            compareArea("volumeBox", middle - 0.25 * w, top + 0.23 * h, 0.5 * w, 0.15 * h);
+            compareArea("optionRow", middle - 0.375 * w, top + 0.33 * h, 0.75 * w, 0.22 * h);
+            compareArea("radio", middle - 0.375 * w, top + 0.33 * h, 0.25 * w, 0.22 * h);
+            compareArea("shuffle", middle - 0.125 * w, top + 0.33 * h, 0.25 * w, 0.22 * h);
+            compareArea("loop", middle + 0.125 * w, top + 0.33 * h, 0.25 * w, 0.22 * h);
+            compareArea("transportRow", middle - 0.375 * w, top + 0.56 * h, 0.75 * w, 0.22 * h);
+            compareArea("playPause", middle - 0.125 * w, top + 0.56 * h, 0.25 * w, 0.22 * h);
+            compareArea("updateBadge", middle - 0.2 * w, top + 0.78 * h, 0.4 * w, 0.07 * h);
+            compareArea("bottomLine", left, top + 0.86 * h, w, 0.1 * h);
+            compareArea("seekPosition", left, top + 0.86 * h, 0.3 * w, 0.1 * h);
+            compareArea("zoneName", middle - 0.3 * w, top + 0.86 * h, 0.6 * w, 0.1 * h);
+            compareArea("length", left + 0.7 * w, top + 0.86 * h, 0.3 * w, 0.1 * h);
+            compareArea("progressBar", left, top + 0.97 * h, w, 0.03 * h);
+            const title = find(item("songTitle"), "marquee");
+            compare(title.pixelSize, Math.round(top / (row.sw === 800 ? 1.7 : 1.4)));
+            compare(title.scrollDuration, 18000);
+            compare(title.bold, true);
+            compare(find(item("album"), "marquee").scrollDuration, 8000);
+            compare(find(item("artist"), "marquee").scrollDuration, 10000);
+            const cell = Math.min(0.25 * w, 0.22 * h);
+            compare(icon("radio").width, Math.round(0.4 * cell));
+            compare(icon("next").width, Math.round(0.8 * cell));
+            compare(icon("playPause").width, Math.round(cell));
+        }
+
+        function test_outlinesAreOffUntilWanted() {
+            for (const name of ["album", "volumeBox", "optionRow", "radio", "transportRow", "next", "zoneName", "songTitle"]) {
+                page.gl_show_debug_lines = false;
+                compare(item(name).border.width, 0);
+                page.gl_show_debug_lines = true;
+                compare(item(name).border.width, 2);
+                const red = name === "transportRow" || name === "next";
+                verify(Qt.colorEqual(item(name).border.color, red ? "red" : "cyan"), name);
+            }
+        }
+
+        function test_nothingPlaying_data() {
+            return [
+                { tag: "start", values: {}, nothing: true },
+                { tag: "stopped", values: { roonState: "stopped", song: "last" }, nothing: true },
+                { tag: "paused without play", values: { roonState: "paused", song: "last" }, nothing: true },
+                { tag: "playing", values: { roonState: "playing" }, nothing: false },
+                { tag: "loading", values: { roonState: "loading" }, nothing: false },
+                { tag: "queue", values: { roonState: "stopped", queueItemsRemaining: 1 }, nothing: false },
+                { tag: "play allowed", values: { roonState: "stopped", playAllowed: true }, nothing: false }
+            ];
+        }
+
+        function test_nothingPlaying(row) {
+            set({ song: "S", artist: "A", album: "B", imageKey: "abc" });
+            set(row.values);
+            compare(text("songTitle"), row.nothing ? "Nothing Playing" : Player.song);
+            compare(text("artist"), row.nothing ? "" : "A");
+            compare(text("album"), row.nothing ? "" : "B");
+            const picture = "image://velunor/" + (row.nothing ? "__VELUNOR_LOGO__" : "abc");
+            tryCompare(item("coverPicture"), "source", picture);
+            tryCompare(item("backgroundPicture"), "source", picture);
+        }
+
+        function test_pictureFollowsTheKey() {
+            set(playing);
+            tryCompare(item("coverPicture"), "source", "image://velunor/abc");
+            compare(item("coverPicture").fillMode, Image.PreserveAspectFit);
+            compare(item("backgroundPicture").fillMode, Image.PreserveAspectCrop);
+            verify(!item("backgroundPicture").visible);
+            verify(!item("coverPicture").cache);
+            verify(!item("backgroundPicture").cache);
+            Messages.clear();
+            Player.imageKey = "def";
+            tryVerify(function() { return logged("debug: imageBlurredBackground::onStatusChanged() img loaded"); });
+            compare(item("coverPicture").source, "image://velunor/def");
+        }
+
+        function test_aPictureThatCannotBeShownIsLogged() {
+            set(playing);
+            Player.imageKey = "broken";
+            tryVerify(function() { return logged("critical: imageBlurredBackground::onStatusChanged() ERROR!"); });
+            compare(Messages.complaints.filter(function(line) { return line.indexOf("Failed to get image") < 0; }).length, 1);
+            Messages.clear();
+        }
+
+        function test_blurIsThereOnlyWhileWanted() {
+            compare(item("blur").item, null);
+        }
+
+        function test_touches_data() {
+            return [
+                { tag: "cover", on: "cover", calls: "navigation cycleDisplayOutput", line: "info: CoverArt clicked" },
+                { tag: "settings corner", on: "settingsCorner", x: 78, y: 78, calls: "navigation clickedGotoSettings" },
+                { tag: "cycle corner", on: "cycleCorner", calls: "navigation cycleDisplayOutput" },
+                { tag: "radio", on: "radio", calls: "clickedRadioButton" },
+                { tag: "shuffle", on: "shuffle", calls: "clickedShuffleButton" },
+                { tag: "loop", on: "loop", calls: "clickedLoopButton" },
+                { tag: "previous", on: "previous", calls: "prev" },
+                { tag: "play", on: "playPause", calls: "playPause", line: "debug: PlayerWindow: playPause clicked" },
+                { tag: "next", on: "next", calls: "next" },
+                { tag: "title", on: "songTitle", x: 300, calls: "" },
+                { tag: "artist", on: "artist", y: 20, calls: "" },
+                { tag: "progress bar", on: "progressBar", x: 20, calls: "" },
+                { tag: "radio, 9 pixels beyond its left edge", on: "radio", x: -9, calls: "clickedRadioButton" },
+                { tag: "radio, 9 pixels above", on: "radio", x: 5, y: -9, calls: "clickedRadioButton" },
+                { tag: "radio, 11 pixels beyond its left edge", on: "radio", x: -11, calls: "" },
+                { tag: "shuffle, where radio reaches into it", on: "shuffle", x: 5, calls: "clickedShuffleButton" },
+                { tag: "shuffle does not reach upwards", on: "loop", x: 90, y: -5, calls: "" },
+                { tag: "previous, 9 pixels beyond its left edge", on: "previous", x: -9, calls: "prev" },
+                { tag: "previous lies over radio", on: "radio", x: 40, y: 84, calls: "prev" },
+                { tag: "play, where previous reaches into it", on: "playPause", x: 5, calls: "playPause" },
+                { tag: "next reaches into play", on: "playPause", x: 91, calls: "next" },
+                { tag: "next, 9 pixels below", on: "next", y: 97, calls: "next" },
+                { tag: "options lie over the volume box", on: "shuffle", y: 5, calls: "clickedShuffleButton" }
+            ];
+        }
+
+        function test_touches(row) {
+            tap(item(row.on), row.x, row.y);
+            const calls = Player.calls.concat(Navigation.calls.map(function(call) { return "navigation " + call; }));
+            compare(calls.join(", "), row.calls);
+            if (row.line)
+                verify(logged(row.line), Messages.all.join("\n"));
+            verify(!item("volumeDialog").visible);
+            verify(!item("zoneDialog").visible);
+        }
+
+        function test_hiddenIconsStillAnswer() {
+            Settings.hideOptionsButtons = true;
+            verify(!icon("radio").visible);
+            verify(!icon("previous").visible);
+            verify(!icon("playPause").visible);
+            verify(!icon("next").visible);
+            for (const name of ["radio", "shuffle", "loop", "previous", "playPause", "next"])
+                tap(item(name));
+            compare(Player.calls, ["clickedRadioButton", "clickedShuffleButton", "clickedLoopButton", "prev", "playPause", "next"]);
+        }
+
+        function test_optionIcons_data() {
+            return [
+                { tag: "off", values: {}, radio: "white", shuffle: "white", loop: "white", one: false },
+                { tag: "radio", values: { autoRadio: true }, radio: "blue", shuffle: "white", loop: "white", one: false },
+                { tag: "shuffle", values: { shuffle: true }, radio: "white", shuffle: "blue", loop: "white", one: false },
+                { tag: "loop", values: { loop: "loop" }, radio: "white", shuffle: "white", loop: "blue", one: false },
+                { tag: "loop one", values: { loop: "loop_one" }, radio: "white", shuffle: "white", loop: "blue", one: true }
+            ];
+        }
+
+        function test_optionIcons(row) {
+            set(row.values);
+            compare(icon("radio").source, "qrc:/icons/ic_radio_" + row.radio + "_48dp.png");
+            compare(icon("shuffle").source, "qrc:/icons/ic_shuffle_" + row.shuffle + "_48dp.png");
+            compare(icon("loop").source, "qrc:/icons/ic_loop_" + row.loop + "_48dp.png");
+            compare(item("loopOne").visible, row.one);
+            compare(icon("radio").opacity, 0.9);
+            for (const name of ["radio", "shuffle", "loop"])
+                compare(icon(name).status, Image.Ready);
+        }
+
+        function test_optionIconsHide_data() {
+            return [
+                { tag: "playing", state: "playing", setting: false, visible: true },
+                { tag: "paused", state: "paused", setting: false, visible: true },
+                { tag: "stopped", state: "stopped", setting: false, visible: false },
+                { tag: "hidden by the setting", state: "playing", setting: true, visible: false }
+            ];
+        }
+
+        function test_optionIconsHide(row) {
+            set({ roonState: row.state, loop: "loop_one" });
+            Settings.hideOptionsButtons = row.setting;
+            for (const name of ["radio", "shuffle", "loop"])
+                compare(icon(name).visible, row.visible);
+            compare(item("loopOne").visible, row.visible);
+        }
+
+        function test_transportIcons_data() {
+            return [
+                { tag: "playing", values: { roonState: "playing", seekAllowed: true }, icon: "pause" },
+                { tag: "playing a stream", values: { roonState: "playing", seekAllowed: false }, icon: "stop" },
+                { tag: "paused", values: { roonState: "paused", seekAllowed: true }, icon: "play_arrow" },
+                { tag: "loading", values: { roonState: "loading", seekAllowed: true }, icon: "play_arrow" }
+            ];
+        }
+
+        function test_transportIcons(row) {
+            set(row.values);
+            compare(icon("playPause").source, "qrc:/icons/round_" + row.icon + "_white_48dp.png");
+            compare(icon("playPause").status, Image.Ready);
+            compare(icon("previous").status, Image.Ready);
+            compare(icon("next").status, Image.Ready);
+        }
+
+        function test_permissionsShowAndHide_data() {
+            return [
+                { tag: "nothing allowed", values: {}, visible: [] },
+                { tag: "previous", values: { prevAllowed: true }, visible: ["previous"] },
+                { tag: "next", values: { nextAllowed: true }, visible: ["next"] },
+                { tag: "play", values: { playAllowed: true }, visible: ["playPause", "seekPosition", "progressBar"] },
+                { tag: "pause", values: { pauseAllowed: true }, visible: ["playPause", "seekPosition", "progressBar"] },
+                { tag: "pause and seek", values: { pauseAllowed: true, seekAllowed: true },
+                  visible: ["playPause", "seekPosition", "progressBar", "length"] },
+                { tag: "pause and queue", values: { pauseAllowed: true, queueItemsRemaining: 2 },
+                  visible: ["playPause", "seekPosition", "progressBar", "length"] },
+                { tag: "seek alone", values: { seekAllowed: true }, visible: [] }
+            ];
+        }
+
+        function test_permissionsShowAndHide(row) {
+            set(row.values);
+            for (const name of ["previous", "next", "playPause"])
+                compare(icon(name).visible, row.visible.indexOf(name) >= 0, name);
+            for (const name of ["seekPosition", "length", "progressBar"])
+                compare(item(name).visible, row.visible.indexOf(name) >= 0, name);
+        }
+
+        function test_bottomLineTexts() {
+            set(playing);
+            compare(item("seekPosition").text, "2:05");
+            compare(item("length").text, "5:37");
+            compare(item("zoneNameText").text, "Kitchen");
+            Player.seekPosition = 126;
+            compare(item("seekPosition").text, "2:06");
+            Player.zone = "Kitchen + Bath + Living Room + Bedroom + Hall";
+            verify(item("zoneNameText").truncated);
+        }
+
+        function test_progress_data() {
+            return [
+                { tag: "unknown length", position: 12, length: 0, part: 0 },
+                { tag: "start", position: 0, length: 200, part: 0 },
+                { tag: "half", position: 100, length: 200, part: 0.5 },
+                { tag: "third", position: 100, length: 300, part: 1 / 3 },
+                { tag: "end", position: 200, length: 200, part: 1 }
+            ];
+        }
+
+        function test_progress(row) {
+            set({ pauseAllowed: true, seekPosition: row.position, length: row.length });
+            const bar = item("progressBar");
+            const fill = item("progressFill");
+            compare(fill.width, Math.floor(row.part * bar.width));
+            compare(fill.height, bar.height - 2);
+            compare(fill.x, 1);
+            compare(fill.y, 1);
+            verify(bar.clip);
+        }
+
+        function test_updateBadge_data() {
+            return [
+                { tag: "none", available: false, installing: false, visible: false },
+                { tag: "available", available: true, installing: false, visible: true },
+                { tag: "installing", available: true, installing: true, visible: false }
+            ];
+        }
+
+        function test_updateBadge(row) {
+            VelunorState.UpdateAvailable = row.available;
+            VelunorState.UpdateInstalling = row.installing;
+            compare(item("updateBadge").visible, row.visible);
+            tap(item("updateBadge"));
+            compare(Player.calls.join(), row.visible ? "installUpdate" : "");
+            compare(logged("debug: update clicked"), row.visible);
+        }
+
+        function test_volumeTextHasTheWantedDecimals() {
+            set({ volumeDisplayPrecision: 0, volume: 33 });
+            compare(item("volumeText").text, "33");
+            set({ volumeDisplayPrecision: 1, volume: -32.5 });
+            compare(item("volumeText").text, "-32.5");
+            compare(find(item("volumeDialog"), "currentText").text, "-32.5");
+            Player.volume = NaN;
+            compare(item("volumeText").text, "");
+        }
+
+        function test_volumeBoxNeedsAVolume() {
+            verify(item("volumeBox").visible);
+            Player.volumeAvailable = false;
+            verify(!item("volumeBox").visible);
+        }
+
+        function test_aVolumeChangeLightsTheBoxForAMoment() {
+            const box = item("volumeBox");
+            const timer = item("highlightTimer");
+            compare(timer.interval, 2500);
+            verify(!timer.repeat);
+            compare(box.opacity, 0.1);
+            timer.interval = 50;
+            Player.volume = 20;
+            compare(box.opacity, 1);
+            tryCompare(box, "opacity", 0.1);
+            Player.volume = 21;
+            compare(box.opacity, 1);
+        }
+
+        function test_volumeDialogSpeaksToThePlayer() {
+            Player.volume = 40;
+            tap(item("volumeBox"), 10, 10);
+            const dialog = item("volumeDialog");
+            tryCompare(dialog, "opened", true);
+            compare(Player.calls, []);
+            tap(find(dialog, "volumeDown"));
+            tap(find(dialog, "volumeUp"));
+            compare(Player.calls, ["commandVolumeDown", "commandVolumeUp"]);
+            Player.calls = [];
+            const slider = find(dialog, "volumeSlider");
+            compare(slider.to, 80);
+            drag(slider, slider.width / 2, 20, slider.width / 2 + 100, 20);
+            verify(Player.calls.length > 0);
+            compare(Player.calls[Player.calls.length - 1], "movedVolumeSlider " + slider.value);
+            compare(Player.calls.filter(function(call) { return call.indexOf("movedVolumeSlider ") !== 0; }), []);
+            dialog.close();
+        }
+
+        function test_zoneChooserSpeaksToThePlayer() {
+            // 9 pixels beyond the name's box still count.
+            tap(item("zoneName"), -9, 10);
+            verify(logged("debug: zone clicked"));
+            const dialog = item("zoneDialog");
+            tryCompare(dialog, "opened", true);
+            tap(find(dialog, "zoneList").itemAtIndex(1));
+            compare(Player.calls, ["selectZone Kitchen"]);
+            verify(logged("debug: Kitchen"));
+            verify(logged("debug: ZONE SELECTED!"));
+            verify(!dialog.visible);
+        }
+
+        function test_aModalPopupKeepsTouchesFromThePage() {
+            tap(item("zoneName"));
+            tryCompare(item("zoneDialog"), "opened", true);
+            tapPage(20, 460);
+            compare(Navigation.calls, []);
+            tryCompare(item("zoneDialog"), "visible", false);
+            tapPage(20, 460);
+            compare(Navigation.calls, ["cycleDisplayOutput"]);
+        }
+
+        function test_popupsTurnWithTheScreen_data() {
+            return [ { tag: "180", angle: 180 }, { tag: "90", angle: 90 }, { tag: "270", angle: 270 } ];
+        }
+
+        function test_popupsTurnWithTheScreen(row) {
+            ScreenController.rotation = row.angle;
+            ScreenController.rotated = true;
+            tap(item("zoneName"));
+            const dialog = item("zoneDialog");
+            tryCompare(dialog, "opened", true);
+            const panel = find(dialog, "panel");
+            compare(panel.rotation, row.angle);
+            compare(panel.width, 700);
+            compare(panel.height, 380);
+            const centre = panel.mapToItem(null, panel.width / 2, panel.height / 2);
+            compare(centre.x, 400);
+            compare(centre.y, 240);
+            // A finger at the far end of a row reaches the row, not what lies beside the unturned pop-up.
+            if (row.angle === 180)
+                tap(find(dialog, "zoneList").itemAtIndex(0), 600, 10);
+            else
+                tap(find(dialog, "zoneList").itemAtIndex(0));
+            compare(Player.calls, ["selectZone Bath"]);
+            ScreenController.rotated = false;
+            ScreenController.rotation = 0;
+        }
+
+        function test_hidingThePageClosesItsPopups() {
+            tap(item("zoneName"));
+            tryCompare(item("zoneDialog"), "opened", true);
+            page.visible = false;
+            verify(!item("zoneDialog").visible);
+            verify(!find(item("zoneDialog"), "closeTimer").running);
+        }
+
+        function test_allTextIsPlain() {
+            set(playing);
+            const texts = [];
+            const collect = function(object) {
+                if (object.textFormat !== undefined)
+                    texts.push(object);
+                for (let i = 0; object.children && i < object.children.length; ++i)
+                    collect(object.children[i]);
+            };
+            collect(page);
+            verify(texts.length >= 8);
+            for (const found of texts) {
+                compare(found.textFormat, Text.PlainText);
+                compare(found.font.family, "Noto Sans");
+            }
+        }
+
+        function test_aRestingPageDrawsNothing() {
+            set(playing);
+            set({ roonState: "paused" });
+            tryCompare(item("coverPicture"), "source", "image://velunor/abc");
+            waitForRendering(page);
+            wait(100);
+            frames.target = page.Window.window;
+            frames.clear();
+            wait(500);
+            compare(frames.count, 0);
+            frames.target = null;
+        }
+
+        SignalSpy {
+            id: frames
+
+            signalName: "frameSwapped"
+        }
+    }
+}

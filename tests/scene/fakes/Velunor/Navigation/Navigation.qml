@@ -6,6 +6,8 @@ import QtQuick 2.15
 QtObject {
     /** What the scene called, in order: the name, and the argument if there is one. */
     property var calls: []
+    /** What happens inside a call of cycleDisplayOutput(), as the program changes the page there. */
+    property var answerCycle: null
 
     signal setScreen(string newScreen)
 
@@ -15,6 +17,10 @@ QtObject {
     function clickedGotoSettings() { record("clickedGotoSettings"); }
     function clickedLeaveSettings() { record("clickedLeaveSettings"); }
     function leaveScreenSaver() { record("leaveScreenSaver"); }
-    function cycleDisplayOutput() { record("cycleDisplayOutput"); }
+    function cycleDisplayOutput() {
+        record("cycleDisplayOutput");
+        if (answerCycle)
+            answerCycle();
+    }
     function blankScreen() { record("blankScreen"); }
 }

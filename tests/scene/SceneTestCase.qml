@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick 2.15
+import QtTest 1.15
+import SceneTest 1.0
+
+/** What all scene tests share: fingers, the search for inner objects, and that nothing may complain in the log. */
+TestCase {
+    when: windowShown
+
+    function initTestCase() {
+        Messages.listen();
+    }
+
+    function init() {
+        // Complaints of objects that went after the former test's end.
+        compare(Messages.complaints.join("\n"), "");
+        Messages.clear();
+        prepare();
+    }
+
+    function cleanup() {
+        compare(Messages.complaints.join("\n"), "");
+    }
+
+    /** Runs before each test function. */
+    function prepare() {
+    }
+
+    function create(file, parent, properties) {
+        const component = Qt.createComponent("qrc:/qml/" + file);
+        compare(component.status, Component.Ready, component.errorString());
+        const object = createTemporaryObject(component, parent, properties);
+        verify(object !== null);
+        return object;
+    }
+
+    /** The object of this name below `object`, also inside pop-ups, windows and loaders; null if there is none. */
+    function find(object, name) {
+        if (object.objectName === name)
+            return object;
+        const inner = [];
+        for (const list of [object.data, object.children, object.contentChildren]) {
+            for (let i = 0; list && i < list.length; ++i) {
+                if (inner.indexOf(list[i]) < 0)
+                    inner.push(list[i]);
+            }
+        }
+        if (object.contentItem)
+            inner.push(object.contentItem);
+        for (const child of inner) {
+            const found = child ? find(child, name) : null;
+            if (found)
+                return found;
+        }
+        return null;
+    }
+
+    function tap(item, x, y) {
+        const px = x === undefined ? item.width / 2 : x;
+        const py = y === undefined ? item.height / 2 : y;
+        const touch = touchEvent(item);
+        touch.press(1, item, px, py).commit();
+        touch.release(1, item, px, py).commit();
+    }
+
+    /** A finger that goes from one place of the item to another in small steps; `lift` false leaves it there. */
+    function drag(item, x1, y1, x2, y2, lift) {
+        const touch = touchEvent(item);
+        const steps = 20;
+        touch.press(1, item, x1, y1).commit();
+        for (let i = 1; i <= steps; ++i)
+            touch.move(1, item, x1 + (x2 - x1) * i / steps, y1 + (y2 - y1) * i / steps).commit();
+        if (lift !== false)
+            touch.release(1, item, x2, y2).commit();
+        return touch;
+    }
+
+    function logged(message) {
+        return Messages.all.indexOf(message) >= 0;
+    }
+}
