@@ -56,9 +56,15 @@ bool Broker::start()
         && waitForLine(QRegularExpression(QStringLiteral("^mosquitto version .* running$")));
 }
 
-bool Broker::stop() { return end(SIGTERM); }
+bool Broker::stop()
+{
+    return end(SIGTERM);
+}
 
-bool Broker::kill() { return end(SIGKILL); }
+bool Broker::kill()
+{
+    return end(SIGKILL);
+}
 
 QStringList Broker::lines(const QRegularExpression &expression) const
 {

@@ -36,7 +36,10 @@ ImageServer::ImageServer(QObject *parent)
         qFatal("the image server cannot be started");
 }
 
-QByteArray ImageServer::address() const { return "127.0.0.1:" + QByteArray::number(port()); }
+QByteArray ImageServer::address() const
+{
+    return "127.0.0.1:" + QByteArray::number(port());
+}
 
 int ImageServer::requestsFor(const QString &key) const
 {

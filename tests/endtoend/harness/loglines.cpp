@@ -22,7 +22,10 @@ LogLine LogLine::parsed(const QString &line)
     return result;
 }
 
-QString LogLine::withoutPlace() const { return QStringLiteral("%1 %2").arg(level, -5).arg(text); }
+QString LogLine::withoutPlace() const
+{
+    return QStringLiteral("%1 %2").arg(level, -5).arg(text);
+}
 
 LogPattern::LogPattern(const QString &level, const QString &text)
     : m_level(level)
@@ -51,12 +54,27 @@ QString LogPattern::description() const
             m_andMore ? QStringLiteral(" and more") : QString());
 }
 
-LogPattern Line::debug(const QString &text) { return { QStringLiteral("DEBUG"), text }; }
+LogPattern Line::debug(const QString &text)
+{
+    return { QStringLiteral("DEBUG"), text };
+}
 
-LogPattern Line::info(const QString &text) { return { QStringLiteral("INFO"), text }; }
+LogPattern Line::info(const QString &text)
+{
+    return { QStringLiteral("INFO"), text };
+}
 
-LogPattern Line::warning(const QString &text) { return { QStringLiteral("WARN"), text }; }
+LogPattern Line::warning(const QString &text)
+{
+    return { QStringLiteral("WARN"), text };
+}
 
-LogPattern Line::critical(const QString &text) { return { QStringLiteral("ERROR"), text }; }
+LogPattern Line::critical(const QString &text)
+{
+    return { QStringLiteral("ERROR"), text };
+}
 
-LogPattern Line::any(const QString &text) { return { QString(), text }; }
+LogPattern Line::any(const QString &text)
+{
+    return { QString(), text };
+}

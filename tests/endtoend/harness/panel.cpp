@@ -27,11 +27,20 @@ Panel::Panel(const QString &name)
         qFatal("cannot create the panel %s", qUtf8Printable(m_directory));
 }
 
-Panel::~Panel() { QDir(m_directory).removeRecursively(); }
+Panel::~Panel()
+{
+    QDir(m_directory).removeRecursively();
+}
 
-QByteArray Panel::brightness() const { return contents(attribute(Brightness)); }
+QByteArray Panel::brightness() const
+{
+    return contents(attribute(Brightness));
+}
 
-QByteArray Panel::power() const { return contents(attribute(Power)); }
+QByteArray Panel::power() const
+{
+    return contents(attribute(Power));
+}
 
 void Panel::makeUnwritable()
 {

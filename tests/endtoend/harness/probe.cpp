@@ -45,7 +45,10 @@ Probe::Probe(const QString &path)
 {
 }
 
-void Probe::disconnectFromProgram() { m_socket.abort(); }
+void Probe::disconnectFromProgram()
+{
+    m_socket.abort();
+}
 
 QJsonObject Probe::request(const QJsonObject &request)
 {
@@ -82,7 +85,10 @@ bool Probe::release(const QPointF &place, int finger)
     return touch(QStringLiteral("release"), place, finger);
 }
 
-bool Probe::tap(const QPointF &place) { return touch(QStringLiteral("tap"), place, 0); }
+bool Probe::tap(const QPointF &place)
+{
+    return touch(QStringLiteral("tap"), place, 0);
+}
 
 bool Probe::tap(const Target &item)
 {
@@ -90,9 +96,15 @@ bool Probe::tap(const Target &item)
         { QStringLiteral("item"), item.selector } });
 }
 
-bool Probe::shows(const Target &item) { return shown(item) > 0; }
+bool Probe::shows(const Target &item)
+{
+    return shown(item) > 0;
+}
 
-int Probe::shown(const Target &item) { return items(item).size(); }
+int Probe::shown(const Target &item)
+{
+    return items(item).size();
+}
 
 QJsonValue Probe::property(const Target &item, const QString &name)
 {

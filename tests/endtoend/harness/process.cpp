@@ -35,7 +35,10 @@ bool Process::start(
     return m_process.waitForStarted();
 }
 
-void Process::sendSignal(int number) { ::kill(static_cast<pid_t>(processId()), number); }
+void Process::sendSignal(int number)
+{
+    ::kill(static_cast<pid_t>(processId()), number);
+}
 
 bool Process::waitForExit()
 {

@@ -66,7 +66,10 @@ void Program::setEnvironment(const QString &name, const QString &value)
     m_environment.insert(name, value);
 }
 
-void Program::unsetEnvironment(const QString &name) { m_environment.remove(name); }
+void Program::unsetEnvironment(const QString &name)
+{
+    m_environment.remove(name);
+}
 
 bool Program::start()
 {

@@ -19,7 +19,10 @@
 
 namespace {
 
-QJsonObject error(const QString &text) { return { { QStringLiteral("error"), text } }; }
+QJsonObject error(const QString &text)
+{
+    return { { QStringLiteral("error"), text } };
+}
 
 QQuickWindow *shownWindow()
 {
