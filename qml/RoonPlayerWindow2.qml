@@ -15,10 +15,8 @@ Rectangle {
     id: root
 
     property bool gl_show_debug_lines: false
-    // Deliberate: the horizontal margins, too, are taken from the height.
-    readonly property real leftMargin: 0.01 * ScreenController.height
-    readonly property real bottomMargin: 0.01 * ScreenController.height
-    readonly property real rightMargin: leftMargin
+    // Deliberate: the margins to the left and right, too, are taken from the height.
+    readonly property real margin: 0.01 * ScreenController.height
     readonly property bool nothingPlaying: Player.queueItemsRemaining === 0 && Player.roonState !== "playing"
                                            && Player.roonState !== "loading" && !Player.playAllowed
     readonly property bool playPauseAllowed: Player.playAllowed || Player.pauseAllowed
@@ -40,59 +38,31 @@ Rectangle {
         wanted: root.nothingPlaying ? "image://velunor/__VELUNOR_LOGO__" : "image://velunor/" + Player.imageKey
     }
 
-    Image {
-        id: backgroundPicture
-
-        objectName: "backgroundPicture"
+    BlurredBackground {
         anchors.fill: parent
-        visible: false
-        cache: false
-        fillMode: Image.PreserveAspectCrop
         source: coverArt.source
-        onStatusChanged: {
-            if (status === Image.Ready)
-                console.debug("imageBlurredBackground::onStatusChanged() img loaded");
-            else if (status === Image.Error)
-                console.error("imageBlurredBackground::onStatusChanged() ERROR!");
-        }
+        blurred: Settings.ShowBlurBackground
     }
 
-    Loader {
-        objectName: "blur"
-        anchors.fill: parent
-        active: Settings.ShowBlurBackground
-        sourceComponent: BlurredPicture {
-            source: backgroundPicture
-        }
-    }
-
-    Item {
+    HotSpot {
         objectName: "settingsCorner"
         anchors { right: parent.right; bottom: parent.bottom }
         width: ScreenController.width / 10
-        height: width
-
-        TouchArea {
-            onTouched: Navigation.clickedGotoSettings()
-        }
+        onTouched: Navigation.clickedGotoSettings()
     }
 
-    Item {
+    HotSpot {
         objectName: "cycleCorner"
         anchors { right: parent.right; top: parent.top }
         width: ScreenController.width / 10
-        height: width
-
-        TouchArea {
-            onTouched: Navigation.cycleDisplayOutput()
-        }
+        onTouched: Navigation.cycleDisplayOutput()
     }
 
     CoverArt {
         id: cover
 
         objectName: "cover"
-        anchors { left: parent.left; leftMargin: root.leftMargin; bottom: parent.bottom; bottomMargin: root.bottomMargin }
+        anchors { left: parent.left; leftMargin: root.margin; bottom: parent.bottom; bottomMargin: root.margin }
         width: 0.5 * ScreenController.width
         height: width
         source: coverArt.source
@@ -106,14 +76,8 @@ Rectangle {
         id: panel
 
         objectName: "panel"
-        anchors {
-            left: cover.right
-            leftMargin: 0.01 * ScreenController.width
-            right: parent.right
-            rightMargin: root.rightMargin
-            bottom: parent.bottom
-            bottomMargin: root.bottomMargin
-        }
+        anchors { left: cover.right; leftMargin: 0.01 * ScreenController.width }
+        anchors { right: parent.right; rightMargin: root.margin; bottom: parent.bottom; bottomMargin: root.margin }
         height: 0.5 * ScreenController.width
 
         ScrollingLine {
@@ -239,14 +203,8 @@ Rectangle {
 
     ScrollingLine {
         objectName: "songTitle"
-        anchors {
-            left: parent.left
-            right: parent.right
-            top: parent.top
-            bottom: cover.top
-            leftMargin: 0.01 * ScreenController.width
-            rightMargin: 0.01 * ScreenController.width
-        }
+        anchors { left: parent.left; right: parent.right; top: parent.top; bottom: cover.top }
+        anchors { leftMargin: 0.01 * ScreenController.width; rightMargin: 0.01 * ScreenController.width }
         outlined: root.gl_show_debug_lines
         bold: true
         textColor: Theme.primaryText
