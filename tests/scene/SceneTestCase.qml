@@ -22,6 +22,10 @@ TestCase {
         compare(Messages.complaints.join("\n"), "");
     }
 
+    function cleanupTestCase() {
+        compare(Messages.complaints.join("\n"), "");
+    }
+
     /** Runs before each test function. */
     function prepare() {
     }

@@ -3,9 +3,9 @@
 
 #include <QQuickImageProvider>
 
-/** Stands in for the album art: the logo under its own key, a null picture under "broken", else a gradient per key. */
-class CoverPictures : public QQuickImageProvider
-{
+/** Stands in for the album art: the logo under its own key, a null picture under "broken", else a
+ * gradient per key. */
+class CoverPictures : public QQuickImageProvider {
 public:
     CoverPictures();
 

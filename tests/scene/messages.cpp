@@ -34,10 +34,9 @@ void Messages::listen()
 void Messages::handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     static const QHash<int, QString> words { { QtDebugMsg, QStringLiteral("debug: ") },
-                                             { QtInfoMsg, QStringLiteral("info: ") },
-                                             { QtWarningMsg, QStringLiteral("warning: ") },
-                                             { QtCriticalMsg, QStringLiteral("critical: ") },
-                                             { QtFatalMsg, QStringLiteral("fatal: ") } };
+        { QtInfoMsg, QStringLiteral("info: ") }, { QtWarningMsg, QStringLiteral("warning: ") },
+        { QtCriticalMsg, QStringLiteral("critical: ") },
+        { QtFatalMsg, QStringLiteral("fatal: ") } };
     instance()->m_all.append(words.value(type) + text);
     if (formerHandler)
         formerHandler(type, context, text);

@@ -8,8 +8,7 @@
  * What the scene and Qt wrote to the log, for tests that check a text, or that nothing complained.
  * Each entry is the level's word, a colon, a blank and the text: "debug: zone clicked".
  */
-class Messages : public QObject
-{
+class Messages : public QObject {
     Q_OBJECT
     Q_PROPERTY(QStringList all READ all)
     Q_PROPERTY(QStringList complaints READ complaints)
@@ -21,7 +20,8 @@ public:
     /** The warnings and critical messages among them. */
     QStringList complaints() const;
     Q_INVOKABLE void clear() { m_all.clear(); }
-    /** Begins to listen; Qt Test replaces the handler at its own start, so each test program calls this itself. */
+    /** Begins to listen; Qt Test replaces the handler at its own start, so each test program calls
+     * this itself. */
     Q_INVOKABLE void listen();
 
 private:

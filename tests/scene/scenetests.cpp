@@ -7,7 +7,8 @@
 #include <QtQuickTest>
 
 namespace {
-/** Two of the fakes are made here: QML itself cannot declare a property whose name begins with a capital letter. */
+/** Two of the fakes are made here: QML itself cannot declare a property whose name begins with a
+ * capital letter. */
 void registerFake(const char *module, const char *name, const QVariantMap &values)
 {
     auto *const fake = new QQmlPropertyMap(QCoreApplication::instance());
@@ -15,16 +16,16 @@ void registerFake(const char *module, const char *name, const QVariantMap &value
         fake->insert(value.key(), value.value());
     qmlRegisterSingletonInstance(module, 1, 0, name, fake);
 }
-}
+} // namespace
 
-class SceneTests : public QObject
-{
+class SceneTests : public QObject {
     Q_OBJECT
 public slots:
     void applicationAvailable()
     {
         qmlRegisterSingletonInstance("SceneTest", 1, 0, "Messages", Messages::instance());
-        // The blur is off, unlike in the program: the software backend that most tests use cannot blur.
+        // The blur is off, unlike in the program: the software backend that most tests use cannot
+        // blur.
         registerFake("Velunor.Settings", "Settings",
             { { "brightness", 150 }, { "clockBrightness", 150 }, { "clockColorRGB", "#545050" },
                 { "timeFormat", true }, { "scrolling", true }, { "hideOptionsButtons", false },

@@ -248,6 +248,24 @@ Item {
             verify(!item("zoneDialog").visible);
         }
 
+        function test_aSecondFingerDoesNotDisturbTheFirst() {
+            const play = item("playPause");
+            const cover = item("cover");
+            const touch = touchEvent(page);
+            touch.press(1, play, 50, 40).commit();
+            touch.stationary(1).press(2, cover, 100, 100).commit();
+            touch.stationary(1).release(2, cover, 100, 100).commit();
+            touch.release(1, play, 50, 40).commit();
+            compare(Player.calls, ["playPause"]);
+            tap(item("next"));
+            compare(Player.calls, ["playPause", "next"]);
+        }
+
+        function test_aFingerThatLeavesItsAreaCallsNothing() {
+            drag(item("playPause"), 50, 40, -200, 40);
+            compare(Player.calls, []);
+        }
+
         function test_hiddenIconsStillAnswer() {
             Settings.hideOptionsButtons = true;
             verify(!icon("radio").visible);
