@@ -23,6 +23,11 @@ QtObject {
     readonly property color badgeBorder: "black"
     readonly property color badgeText: "black"
 
+    readonly property color clockText: "#545050"
+
+    readonly property color buttonFrame: "#ffffff"
+    readonly property color buttonPressed: "#444"
+
     readonly property color popupPanel: "#a8a0a0"
     readonly property color popupBorder: "#444"
     readonly property color popupText: "black"

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick 2.15
+import "."
+import "format.js" as Format
+
+/** Where the appliance's web interface is found.  As high as its first line; the second one is below it. */
+Item {
+    id: root
+
+    property string hostName
+    property string address
+    property bool outlined: false
+
+    NoticeLine {
+        id: hint
+
+        objectName: "hint"
+        anchors.fill: parent
+        outlined: root.outlined
+        text: qsTr("For configuring <b>Velunor</b> you can point your browser to:")
+    }
+
+    NoticeLine {
+        objectName: "addresses"
+        anchors { left: hint.left; right: hint.right; top: hint.bottom }
+        height: hint.height
+        outlined: root.outlined
+        text: qsTr("<b>http://%1.local</b> or <b>http://%2</b>").arg(Format.escaped(root.hostName))
+                                                                 .arg(Format.escaped(root.address))
+    }
+}

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick 2.15
+import "."
+
+/**
+ * One line of a notice, with bold parts in `<b>` tags; what it quotes from outside has to be escaped.  A text too long
+ * for the line becomes smaller and takes a second line; only one that goes on for ever ends in an ellipsis.
+ */
+LayoutBox {
+    id: root
+
+    property alias text: label.text
+
+    PageText {
+        id: label
+
+        objectName: "text"
+        anchors.fill: parent
+        color: Theme.secondaryText
+        elide: Text.ElideRight
+        font.pixelSize: root.width / 32
+        fontSizeMode: Text.Fit
+        minimumPixelSize: root.width / 68
+        textFormat: Text.StyledText
+        wrapMode: Text.Wrap
+    }
+}
