@@ -13,17 +13,23 @@ TestCase {
 
     function init() {
         // Complaints of objects that went after the former test's end.
-        compare(Messages.complaints.join("\n"), "");
-        Messages.clear();
+        checkComplaints();
         prepare();
     }
 
     function cleanup() {
-        compare(Messages.complaints.join("\n"), "");
+        checkComplaints();
     }
 
     function cleanupTestCase() {
-        compare(Messages.complaints.join("\n"), "");
+        checkComplaints();
+    }
+
+    /** Fails if anything complained, and forgets the log, so that one complaint fails one test. */
+    function checkComplaints() {
+        const complaints = Messages.complaints.join("\n");
+        Messages.clear();
+        compare(complaints, "");
     }
 
     /** Runs before each test function. */

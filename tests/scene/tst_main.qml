@@ -27,7 +27,7 @@ Item {
         }
 
         function cleanup() {
-            compare(Messages.complaints.join("\n"), "");
+            checkComplaints();
             Player.volumeAvailable = false;
             RoonZones.zones = [];
         }

@@ -29,6 +29,7 @@ Item {
         name: "ScreenRotator"
 
         function cleanup() {
+            checkComplaints();
             ScreenController.rotation = 0;
         }
 
