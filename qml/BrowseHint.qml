@@ -25,7 +25,7 @@ Item {
         anchors { left: hint.left; right: hint.right; top: hint.bottom }
         height: hint.height
         outlined: root.outlined
-        text: qsTr("<b>http://%1.local</b> or <b>http://%2</b>").arg(Format.escaped(root.hostName))
-                                                                 .arg(Format.escaped(root.address))
+        text: "<b>http://" + Format.escaped(root.hostName) + ".local</b> " + qsTr("or")
+              + " <b>http://" + Format.escaped(root.address) + "</b>"
     }
 }

@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+import QtQuick 2.15
+import QtTest 1.15
+import SceneTest 1.0
+import Velunor.Navigation 1.0
+import Velunor.Roon 1.0
+import Velunor.Screen 1.0
+import Velunor.Settings 1.0
+
+Item {
+    id: top
+
+    width: 1280
+    height: 800
+
+    SceneTestCase {
+        name: "Settings"
+
+        property var page: null
+        property var timer: null
+        /** What the page asked of display and navigation, in order. */
+        property var calls: []
+
+        function prepare() {
+            calls = [];
+            ScreenController.calls = calls;
+            Navigation.calls = calls;
+            ScreenController.width = 800;
+            ScreenController.height = 480;
+            open(150, 100, 13, 254);
+        }
+
+        function cleanupTestCase() {
+            ScreenController.width = 800;
+            ScreenController.height = 480;
+            ScreenController.minBrightness = 13;
+            ScreenController.maxBrightness = 254;
+            Settings.brightness = 150;
+            Settings.clockBrightness = 150;
+        }
+
+        function open(brightness, clockBrightness, minimum, maximum) {
+            ScreenController.minBrightness = minimum;
+            ScreenController.maxBrightness = maximum;
+            Settings.brightness = brightness;
+            Settings.clockBrightness = clockBrightness;
+            if (page)
+                page.destroy();
+            page = create("SettingsWindow.qml", top);
+            timer = find(page, "inactivityTimer");
+            restarts.target = timer;
+            restarts.clear();
+        }
+
+        function slider(row) {
+            return find(find(page, row), "slider");
+        }
+
+        /** Drags the handle to this part of the slider's way. */
+        function dragTo(row, part) {
+            const moved = slider(row);
+            const way = moved.availableWidth - moved.handle.width;
+            const middle = moved.handle.width / 2;
+            drag(moved, middle + moved.position * way, moved.height / 2, middle + part * way, moved.height / 2);
+        }
+
+        function test_placesAndTexts() {
+            compare(page.objectName, "SettingsWindow");
+            verify(Qt.colorEqual(page.color, "#000000"));
+            const title = find(page, "title");
+            compare(title.text, "Velunor Settings");
+            compare(title.font.pixelSize, 28);
+            compare(title.x, 20);
+            compare(title.y, 20);
+            const address = find(page, "address");
+            compare(address.text, "(" + Roon.ipAddress + ")");
+            compare(address.font.pixelSize, 20);
+            compare(address.x, title.x + title.width + 10);
+            fuzzyCompare(address.y + address.height / 2, title.y + title.height / 2, 1);
+
+            const first = find(page, "screenBrightness");
+            compare(first.text, "Screen brightness");
+            compare(first.font.pixelSize, 16);
+            compare(first.x, 40);
+            compare(first.y, 131);
+            const second = find(page, "clockBrightness");
+            compare(second.text, "Clock brightness");
+            compare(second.x, 40);
+            compare(second.y, first.y + first.height + 25);
+            for (const label of [first, second]) {
+                const beside = find(label, "slider");
+                const place = beside.mapToItem(page, 0, beside.height / 2);
+                compare(place.x, 261);
+                fuzzyCompare(place.y, label.y + label.height / 2, 1);
+                compare(beside.width, 317);
+                compare(beside.height, 40);
+            }
+
+            const hint = find(page, "webHint");
+            compare(hint.text, "For other screen settings please visit Velunor's webpage");
+            compare(hint.font.pixelSize, 20);
+            verify(hint.font.italic);
+            fuzzyCompare(hint.x + hint.width / 2, 400, 1);
+            fuzzyCompare(hint.y + hint.height / 2, 240, 1);
+        }
+
+        function test_saveStandsInTheCorner_data() {
+            return [ { tag: "800x480", width: 800, height: 480 }, { tag: "1280x800", width: 1280, height: 800 } ];
+        }
+
+        function test_saveStandsInTheCorner(row) {
+            ScreenController.width = row.width;
+            ScreenController.height = row.height;
+            const save = find(page, "save");
+            compare(save.text, "Save");
+            compare(save.pixelSize, 20);
+            compare(save.x + save.width, row.width - 30);
+            compare(save.y + save.height, row.height - 30);
+        }
+
+        function test_slidersBeginWithTheSettings() {
+            for (const row of ["screenBrightness", "clockBrightness"]) {
+                compare(slider(row).from, 13);
+                compare(slider(row).to, 254);
+                compare(slider(row).stepSize, 1);
+            }
+            compare(slider("screenBrightness").value, 150);
+            compare(slider("clockBrightness").value, 100);
+            compare(restarts.count, 0);
+        }
+
+        function test_valuesOutsideTheBandStay_data() {
+            return [ { tag: "0", stored: 0, shown: 1 }, { tag: "254", stored: 254, shown: 31 },
+                     { tag: "31", stored: 31, shown: 31 } ];
+        }
+
+        function test_valuesOutsideTheBandStay(row) {
+            open(row.stored, row.stored, 1, 31);
+            for (const name of ["screenBrightness", "clockBrightness"]) {
+                compare(slider(name).from, 1);
+                compare(slider(name).to, 31);
+                compare(slider(name).value, row.shown);
+            }
+            compare(Settings.brightness, row.stored);
+            compare(Settings.clockBrightness, row.stored);
+            dragTo("screenBrightness", 0.5);
+            compare(Settings.brightness, 16);
+            compare(Settings.clockBrightness, row.stored);
+        }
+
+        function test_aMoveCountsAtOnce_data() {
+            return [ { tag: "screen", row: "screenBrightness", key: "brightness" },
+                     { tag: "clock", row: "clockBrightness", key: "clockBrightness" } ];
+        }
+
+        function test_aMoveCountsAtOnce(row) {
+            const other = row.key === "brightness" ? "clockBrightness" : "brightness";
+            const before = Settings[other];
+            const moved = slider(row.row);
+            const touch = drag(moved, 0.5 * moved.width, 20, 0.9 * moved.width, 20, false);
+            verify(Settings[row.key] > 220);
+            compare(Settings[row.key], moved.value);
+            compare(Math.round(moved.value), moved.value);
+            verify(restarts.count > 0);
+            verify(timer.running);
+            touch.release(1, moved, 0.9 * moved.width, 20).commit();
+            compare(Settings[other], before);
+            compare(calls, []);
+        }
+
+        function test_bothEndsCanBeReached() {
+            dragTo("screenBrightness", 0);
+            compare(Settings.brightness, 13);
+            dragTo("screenBrightness", 1);
+            compare(Settings.brightness, 254);
+        }
+
+        function test_aValueFromElsewhereIsShown() {
+            Settings.brightness = 77;
+            compare(slider("screenBrightness").value, 77);
+            compare(Settings.brightness, 77);
+            compare(restarts.count, 0);
+        }
+
+        function test_saveKeepsAndLeaves() {
+            dragTo("screenBrightness", 1);
+            tap(find(page, "save"));
+            verify(logged("debug: SettingsWindow: SAVE"));
+            compare(calls, ["saveSettings", "clickedLeaveSettings"]);
+        }
+
+        function test_theTitleDiscardsAndLeaves() {
+            dragTo("screenBrightness", 1);
+            tap(find(page, "title"));
+            compare(calls, ["restoreSettings", "clickedLeaveSettings"]);
+        }
+
+        function test_inactivityDiscardsAndLeaves() {
+            compare(timer.interval, 30000);
+            verify(!timer.repeat);
+            verify(timer.running);
+            timer.interval = 20;
+            tryVerify(function() { return logged("debug: SettingsWindow: time out"); });
+            compare(calls, ["restoreSettings", "clickedLeaveSettings"]);
+            verify(!timer.running);
+        }
+
+        function test_visibilityIsLoggedAndStartsTheTimer() {
+            page.visible = false;
+            verify(logged("debug: settingsWindow:onVisibleChanged: false"));
+            verify(!timer.running);
+            page.visible = true;
+            verify(logged("debug: settingsWindow:onVisibleChanged: true"));
+            verify(timer.running);
+        }
+
+        function test_touchesElsewhereDoNothing() {
+            tap(page, 700, 300);
+            compare(calls, []);
+            compare(restarts.count, 0);
+        }
+
+        SignalSpy {
+            id: restarts
+
+            signalName: "runningChanged"
+        }
+    }
+}
