@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "appliance.h"
+
+#include "waiting.h"
+
+namespace {
+
+const QString RemoteControl = "Velunor/Controller/remote_control/v4/";
+const QString CommandTopic = RemoteControl + "Control/command";
+
+const QStringList Pages { "Welcome", "RoonPlayerWindow2", "SettingsWindow", "RoonConnectionFailure",
+    "ScreenSaver", "Clock", "RoonZoneNotFound", "UpdateInstalling" };
+
+} // namespace
+
+Appliance::Appliance(QObject *parent)
+    : QObject(parent)
+{
+    program.setEnvironment("VELUNOR_TOUCHUI_CONTROL_ZONE", "Kitchen");
+}
+
+bool Appliance::startServices()
+{
+    if (!broker.start() || !services.connectToBroker())
+        return false;
+    publishCore("serverUrl", images.address());
+    publishCore("coreDetected", "true");
+    publishZones(R"([{"id":"z1","name":"Kitchen"}])");
+    publishZone("name", "Kitchen");
+    publishZone("state", "paused");
+    publishZone("is_play_allowed", "true");
+    return services.flush();
+}
+
+bool Appliance::start()
+{
+    return startServices() && program.startAndWait() && waitForPage("RoonPlayerWindow2");
+}
+
+void Appliance::publishCore(const QString &property, const QByteArray &value)
+{
+    services.publish(RemoteControl + "roon/Roon/" + property, value, true);
+}
+
+void Appliance::publishZone(const QString &key, const QByteArray &value)
+{
+    services.publish(RemoteControl + "roon/Zones/z1/" + key, value, true);
+}
+
+void Appliance::publishZones(const QByteArray &json)
+{
+    services.publish(RemoteControl + "roon/Zones/available", json, true);
+}
+
+void Appliance::publishSetting(const QString &key, const QByteArray &value)
+{
+    services.publish("Velunor/Settings/v2/" + key, value, true);
+}
+
+void Appliance::publishState(const QString &property, const QByteArray &value)
+{
+    services.publish("Velunor/State/v1/" + property, value, true);
+}
+
+void Appliance::sendCommand(const QByteArray &json)
+{
+    services.publish(CommandTopic, json);
+}
+
+bool Appliance::handled()
+{
+    // A key that means nothing: it is logged and leaves everything as it is.
+    const QString marker = QString("end_of_step_%1").arg(++m_markers);
+    services.publish("Velunor/Settings/v2/" + marker, QByteArray());
+    return program.waitForLine(Line::debug("Mqtt::updateSettings() " + marker));
+}
+
+QList<QByteArray> Appliance::commands() const
+{
+    return services.payloads(CommandTopic);
+}
+
+bool Appliance::waitForPage(const QString &name)
+{
+    QStringList alive;
+    const bool shown = waitUntil([&] {
+        alive.clear();
+        for (const QString &page : Pages) {
+            if (program.probe().alive(page) > 0)
+                alive.append(page);
+        }
+        return alive == QStringList(name) && program.probe().shows(name);
+    });
+    if (!shown)
+        qWarning("instead of %s these pages are alive: %s", qUtf8Printable(name),
+            qUtf8Printable(alive.join(", ")));
+    return shown;
+}

@@ -1,0 +1,357 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "appliance.h"
+#include "waiting.h"
+
+#include <QTest>
+
+#include <csignal>
+#include <memory>
+
+namespace {
+
+using Behaviour = ImageServer::Behaviour;
+
+const LogPattern Retrying
+    = Line::critical("ImageProvider::requestImage() ERROR occured, retrying...");
+const LogPattern Failed = Line::critical("ImageProvider::requestImage() network ERROR: ").andMore();
+const LogPattern Fetched = Line::info("ImageProvider::requestImage() return fetched mage");
+
+Behaviour picture(const QColor &colour, int delayMs = 0)
+{
+    Behaviour behaviour;
+    behaviour.colour = colour;
+    behaviour.delayMs = delayMs;
+    return behaviour;
+}
+
+Behaviour trouble(Behaviour::Kind kind)
+{
+    Behaviour behaviour;
+    behaviour.kind = kind;
+    return behaviour;
+}
+
+/** JPEG does not keep a colour exactly. */
+bool alike(const QColor &one, const QColor &other)
+{
+    return qAbs(one.red() - other.red()) < 16 && qAbs(one.green() - other.green()) < 16
+        && qAbs(one.blue() - other.blue()) < 16;
+}
+
+} // namespace
+
+/** The player's cover with an image service in good and bad health. */
+class CoverArtTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void showsTheCoverOfTheTrack();
+    void fetchesACoverOnce();
+    void oneFailureIsRetried();
+    void aFailingServiceLeavesTheLogo_data();
+    void aFailingServiceLeavesTheLogo();
+    void garbageIsLeftBehindWithItsTrack();
+    void aLateCoverDoesNotReplaceTheWantedOne();
+    void aHangingServiceDoesNotKeepTheNextCoverAway();
+    void messagesAndTouchesAreServedDuringTheWait();
+    void skippingThroughAnAlbumEndsOnTheLastCover();
+    void thePageCanBeLeftDuringAFetch_data();
+    void thePageCanBeLeftDuringAFetch();
+    void theCoreCanGoDuringAFetch();
+    void pagesAndTracksChangeInAnyOrder();
+    void aSignalDuringAFetchEndsItCleanly_data();
+    void aSignalDuringAFetchEndsItCleanly();
+
+private:
+    void play(const QString &key);
+    QColor coverColour();
+    /** The logo is not of one colour; its corner differs from every cover used here. */
+    bool showsCover(const QColor &colour) { return alike(coverColour(), colour); }
+    bool showsLogo();
+
+    std::unique_ptr<Appliance> m_appliance;
+    bool m_complaintsExpected = false;
+};
+
+void CoverArtTest::init()
+{
+    m_complaintsExpected = false;
+    m_appliance = std::make_unique<Appliance>();
+    QVERIFY(m_appliance->startServices());
+    m_appliance->publishZone("state", "playing");
+    QVERIFY(m_appliance->services.flush());
+    QVERIFY(m_appliance->program.startAndWait());
+    QVERIFY(m_appliance->waitForPage("RoonPlayerWindow2"));
+}
+
+void CoverArtTest::cleanup()
+{
+    if (!m_complaintsExpected && !QTest::currentTestFailed()) {
+        // Warnings of the scene engine carry a QML file's name or none at all.
+        for (const LogLine &line : m_appliance->program.log()) {
+            if (line.level == "WARN" && (line.file.isEmpty() || line.file.endsWith(".qml")))
+                QTest::qFail(qPrintable(line.whole), __FILE__, __LINE__);
+        }
+    }
+    if (m_appliance->program.isRunning() && !m_appliance->program.stop())
+        QTest::qFail("the program did not end cleanly", __FILE__, __LINE__);
+    m_appliance.reset();
+}
+
+void CoverArtTest::showsTheCoverOfTheTrack()
+{
+    m_appliance->images.setBehaviour("red", picture(Qt::red));
+    play("red");
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::red), PatienceMs);
+    QCOMPARE(m_appliance->images.requests().size(), 1);
+    QCOMPARE(m_appliance->images.requests().first().line,
+        QByteArray("GET /image/red?scale=fit&width=402&height=402&format=image/jpeg HTTP/1.1"));
+}
+
+void CoverArtTest::fetchesACoverOnce()
+{
+    m_appliance->images.setBehaviour("red", picture(Qt::red));
+    m_appliance->images.setBehaviour("green", picture(Qt::green));
+    play("red");
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::red), PatienceMs);
+    m_appliance->publishZone("nowPlaying/song", "another");
+    m_appliance->publishZone("nowPlaying/imageKey", "red");
+    QVERIFY(m_appliance->handled());
+    QCOMPARE(m_appliance->images.requestsFor("red"), 1);
+
+    play("green");
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::green), PatienceMs);
+    play("red"); // only the last picture is kept
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::red), PatienceMs);
+    QCOMPARE(m_appliance->images.requestsFor("red"), 2);
+    QCOMPARE(m_appliance->program.count(Fetched), 3);
+}
+
+void CoverArtTest::oneFailureIsRetried()
+{
+    Behaviour behaviour = picture(Qt::blue);
+    behaviour.failures = 1;
+    behaviour.format = "PNG";
+    m_appliance->images.setBehaviour("blue", behaviour);
+    play("blue");
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::blue), PatienceMs);
+    QCOMPARE(m_appliance->images.requestsFor("blue"), 2);
+    QCOMPARE(m_appliance->program.count(Retrying), 1);
+    QCOMPARE(m_appliance->program.count(Failed), 0);
+}
+
+void CoverArtTest::aFailingServiceLeavesTheLogo_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::newRow("status 500") << int(Behaviour::Trouble);
+    QTest::newRow("connection dropped") << int(Behaviour::Drop);
+}
+
+void CoverArtTest::aFailingServiceLeavesTheLogo()
+{
+    QFETCH(int, kind);
+    m_appliance->images.setBehaviour("red", picture(Qt::red));
+    m_appliance->images.setBehaviour("bad", trouble(Behaviour::Kind(kind)));
+    play("red");
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::red), PatienceMs);
+    play("bad");
+    QVERIFY(m_appliance->program.waitForLine(Failed));
+    QTRY_VERIFY_WITH_TIMEOUT(showsLogo(), PatienceMs);
+    QCOMPARE(m_appliance->program.count(Retrying), 1);
+    QCOMPARE(m_appliance->program.count(Failed), 1);
+    // How often Qt itself tries again after a dropped connection is its own affair.
+    if (kind == Behaviour::Trouble)
+        QCOMPARE(m_appliance->images.requestsFor("bad"), 2);
+
+    play("red");
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::red), PatienceMs);
+    QCOMPARE(m_appliance->images.requestsFor("red"), 1); // a failure leaves the kept picture alone
+}
+
+void CoverArtTest::garbageIsLeftBehindWithItsTrack()
+{
+    m_complaintsExpected = true; // the engine says that it got no picture
+    m_appliance->images.setBehaviour("garbage", trouble(Behaviour::Garbage));
+    m_appliance->images.setBehaviour("red", picture(Qt::red));
+    play("garbage");
+    QVERIFY(m_appliance->program.waitForLine(Fetched));
+    play("red");
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::red), PatienceMs);
+}
+
+void CoverArtTest::aLateCoverDoesNotReplaceTheWantedOne()
+{
+    m_appliance->images.setBehaviour("late", picture(Qt::red, 600));
+    m_appliance->images.setBehaviour("wanted", picture(Qt::green));
+    play("late");
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance->images.requestsFor("late"), 1, PatienceMs);
+    play("wanted");
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::green), PatienceMs);
+    // Once the late fetch has ended there is none under way that could change the picture.
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance->program.count(Fetched), 2, PatienceMs);
+    QVERIFY(m_appliance->handled());
+    QVERIFY(showsCover(Qt::green));
+}
+
+void CoverArtTest::aHangingServiceDoesNotKeepTheNextCoverAway()
+{
+    m_appliance->images.setBehaviour("red", picture(Qt::red));
+    m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
+    m_appliance->images.setBehaviour("green", picture(Qt::green));
+    play("red");
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::red), PatienceMs);
+    play("hanging");
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance->images.requestsFor("hanging"), 1, PatienceMs);
+    // The cover of a track that is over does not stay under the title of another one.
+    QTRY_VERIFY_WITH_TIMEOUT(showsLogo(), PatienceMs);
+    play("green");
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::green), PatienceMs);
+}
+
+void CoverArtTest::messagesAndTouchesAreServedDuringTheWait()
+{
+    m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
+    play("hanging");
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance->images.requestsFor("hanging"), 1, PatienceMs);
+    m_appliance->publishZone("nowPlaying/artist", "Somebody");
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance->program.probe().property("artist", "text"),
+        QJsonValue("Somebody"), PatienceMs);
+    QVERIFY(m_appliance->program.probe().tap("playPause"));
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance->commands(),
+        QList<QByteArray>({ R"({"command":"playpause","zone_id":"z1"})" }), PatienceMs);
+}
+
+void CoverArtTest::skippingThroughAnAlbumEndsOnTheLastCover()
+{
+    for (int track = 0; track < 50; ++track)
+        m_appliance->images.setBehaviour(
+            QString("track%1").arg(track), picture(QColor::fromHsv(track * 7, 255, 255), 40));
+    const int objects = m_appliance->program.probe().alive(Probe::Target::type("QObject"));
+    for (int track = 0; track < 50; ++track)
+        play(QString("track%1").arg(track));
+    const QColor last = QColor::fromHsv(49 * 7, 255, 255);
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(last), PatienceMs);
+    QVERIFY(m_appliance->handled());
+    QVERIFY(showsCover(last));
+    QCOMPARE(m_appliance->program.probe().alive("RoonPlayerWindow2"), 1);
+    // Fetches do not pile up: what one skip leaves behind would be there fifty times.
+    QTRY_VERIFY_WITH_TIMEOUT(
+        m_appliance->program.probe().alive(Probe::Target::type("QObject")) < objects + 50,
+        PatienceMs);
+    QVERIFY(m_appliance->images.requests().size() <= 50);
+}
+
+void CoverArtTest::thePageCanBeLeftDuringAFetch_data()
+{
+    QTest::addColumn<bool>("hangs");
+    QTest::newRow("slow service") << false;
+    QTest::newRow("hanging service") << true;
+}
+
+void CoverArtTest::thePageCanBeLeftDuringAFetch()
+{
+    QFETCH(bool, hangs);
+    m_appliance->images.setBehaviour(
+        "away", hangs ? trouble(Behaviour::Hang) : picture(Qt::red, 500));
+    m_appliance->images.setBehaviour("back", picture(Qt::green));
+    play("away");
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance->images.requestsFor("away"), 1, PatienceMs);
+    m_appliance->sendCommand(R"({"command":"toggle_standby"})");
+    QVERIFY(m_appliance->waitForPage("Clock"));
+    play("back");
+    m_appliance->sendCommand(R"({"command":"toggle_standby"})");
+    QVERIFY(m_appliance->waitForPage("ScreenSaver"));
+    m_appliance->sendCommand(R"({"command":"toggle_standby"})");
+    QVERIFY(m_appliance->waitForPage("RoonPlayerWindow2"));
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::green), PatienceMs);
+}
+
+void CoverArtTest::theCoreCanGoDuringAFetch()
+{
+    m_appliance->images.setBehaviour("away", trouble(Behaviour::Hang));
+    m_appliance->images.setBehaviour("back", picture(Qt::green));
+    play("away");
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance->images.requestsFor("away"), 1, PatienceMs);
+    m_appliance->publishCore("coreDetected", "false");
+    QVERIFY(m_appliance->waitForPage("RoonConnectionFailure"));
+    play("back");
+    m_appliance->publishCore("coreDetected", "true");
+    QVERIFY(m_appliance->waitForPage("RoonPlayerWindow2"));
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::green), PatienceMs);
+}
+
+void CoverArtTest::pagesAndTracksChangeInAnyOrder()
+{
+    m_complaintsExpected = true; // garbage is among the answers
+    m_appliance->images.setBehaviour("slow", picture(Qt::red, 300));
+    m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
+    m_appliance->images.setBehaviour("dropping", trouble(Behaviour::Drop));
+    m_appliance->images.setBehaviour("trouble", trouble(Behaviour::Trouble));
+    m_appliance->images.setBehaviour("garbage", trouble(Behaviour::Garbage));
+    m_appliance->images.setBehaviour("last", picture(Qt::green));
+    const QStringList keys { "slow", "hanging", "dropping", "trouble", "garbage" };
+    for (int round = 0; round < 60; ++round) {
+        play(keys.at(round % keys.size()));
+        // Now and then the page goes at the very moment at which its picture is under way.
+        if (round % 3 == 0) {
+            m_appliance->publishCore("coreDetected", "false");
+            m_appliance->publishCore("coreDetected", "true");
+        }
+        if (round % 4 == 0)
+            QVERIFY(m_appliance->handled());
+    }
+    play("last");
+    QVERIFY(m_appliance->waitForPage("RoonPlayerWindow2"));
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::green), PatienceMs);
+    QCOMPARE(m_appliance->program.count(Line::any("Binding loop").andMore()), 0);
+}
+
+void CoverArtTest::aSignalDuringAFetchEndsItCleanly_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGINT") << SIGINT;
+}
+
+void CoverArtTest::aSignalDuringAFetchEndsItCleanly()
+{
+    QFETCH(int, number);
+    m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
+    play("hanging");
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance->images.requestsFor("hanging"), 1, PatienceMs);
+    m_appliance->program.sendSignal(number);
+    QVERIFY(m_appliance->program.waitForExit());
+    QCOMPARE(m_appliance->program.exitStatus(), 0);
+    QCOMPARE(m_appliance->program.log().last().withoutPlace(),
+        QString("INFO  Left main event loop with exit code 0"));
+    QCOMPARE(m_appliance->program.count(Fetched), 0);
+    QCOMPARE(m_appliance->program.count(Retrying), 0);
+    QCOMPARE(m_appliance->program.count(Failed), 0);
+}
+
+void CoverArtTest::play(const QString &key)
+{
+    m_appliance->publishZone("nowPlaying/song", key.toUtf8());
+    m_appliance->publishZone("nowPlaying/imageKey", key.toUtf8());
+}
+
+QColor CoverArtTest::coverColour()
+{
+    Probe &probe = m_appliance->program.probe();
+    const QRectF cover = probe.area("coverPicture");
+    const QImage image = probe.picture();
+    const QPoint place = cover.topLeft().toPoint() + QPoint(20, 20);
+    return image.valid(place) ? image.pixelColor(place) : QColor();
+}
+
+bool CoverArtTest::showsLogo()
+{
+    return m_appliance->program.probe().property("coverPicture", "source")
+        == QJsonValue("image://velunor/__VELUNOR_LOGO__");
+}
+
+QTEST_GUILESS_MAIN(CoverArtTest)
+#include "tst_coverart.moc"
