@@ -5,16 +5,17 @@
 
 #include <QPointer>
 #include <QQmlEngine>
+#include <QVector>
 
 namespace {
 
 constexpr int PatienceMs = 1000;
 
 // One fetch at a time for the whole scene: a page that is being left may still be inside its fetch
-// when the next page asks for a picture.  That one comes here and is served when the fetch has
-// returned.
+// when the next page asks for a picture.  Who asks meanwhile is remembered here and looks again
+// when the fetch has returned.
 bool fetching = false;
-QPointer<CoverArtLoader> nextLoader;
+QVector<QPointer<CoverArtLoader>> waitingLoaders;
 
 QUrl logo()
 {
@@ -72,7 +73,8 @@ void CoverArtLoader::load()
 {
     m_scheduled = false;
     if (fetching) {
-        nextLoader = this;
+        if (!waitingLoaders.contains(this))
+            waitingLoaders.append(this);
         return;
     }
     ImageProvider *const provider = providerFor(this);
@@ -90,11 +92,14 @@ void CoverArtLoader::load()
     m_waitingFor = provider;
     m_patience.start();
     emit waitingChanged();
-    const bool available = provider->prefetch(id); // anything may happen in here, our own end included
+    const bool available
+        = provider->prefetch(id); // anything may happen in here, our own end included
     fetching = false;
-    if (nextLoader)
-        nextLoader->schedule();
-    nextLoader = nullptr;
+    for (const QPointer<CoverArtLoader> &loader : qAsConst(waitingLoaders)) {
+        if (loader)
+            loader->schedule();
+    }
+    waitingLoaders.clear();
     if (!self)
         return;
 
