@@ -20,7 +20,10 @@ QMqttSubscription *QMqttClient::subscribe(const QMqttTopicFilter &topic, quint8 
     return d->subscribe(topic, qos);
 }
 
-void QMqttClient::unsubscribe(const QMqttTopicFilter &topic) { d->unsubscribe(topic); }
+void QMqttClient::unsubscribe(const QMqttTopicFilter &topic)
+{
+    d->unsubscribe(topic);
+}
 
 qint32 QMqttClient::publish(
     const QMqttTopicName &topic, const QByteArray &message, quint8 qos, bool retain)
@@ -28,44 +31,95 @@ qint32 QMqttClient::publish(
     return d->publish(topic, message, qos, retain);
 }
 
-bool QMqttClient::requestPing() { return false; }
+bool QMqttClient::requestPing()
+{
+    return false;
+}
 
-QString QMqttClient::hostname() const { return d->settings.hostname; }
+QString QMqttClient::hostname() const
+{
+    return d->settings.hostname;
+}
 
-quint16 QMqttClient::port() const { return d->settings.port; }
+quint16 QMqttClient::port() const
+{
+    return d->settings.port;
+}
 
-QString QMqttClient::clientId() const { return d->settings.clientId; }
+QString QMqttClient::clientId() const
+{
+    return d->settings.clientId;
+}
 
-quint16 QMqttClient::keepAlive() const { return d->settings.keepAlive; }
+quint16 QMqttClient::keepAlive() const
+{
+    return d->settings.keepAlive;
+}
 
 QMqttClient::ProtocolVersion QMqttClient::protocolVersion() const
 {
     return d->settings.protocolVersion;
 }
 
-QMqttClient::ClientState QMqttClient::state() const { return d->state(); }
+QMqttClient::ClientState QMqttClient::state() const
+{
+    return d->state();
+}
 
-QMqttClient::ClientError QMqttClient::error() const { return d->error(); }
+QMqttClient::ClientError QMqttClient::error() const
+{
+    return d->error();
+}
 
-QString QMqttClient::username() const { return d->settings.username; }
+QString QMqttClient::username() const
+{
+    return d->settings.username;
+}
 
-QString QMqttClient::password() const { return d->settings.password; }
+QString QMqttClient::password() const
+{
+    return d->settings.password;
+}
 
-bool QMqttClient::cleanSession() const { return d->settings.cleanSession; }
+bool QMqttClient::cleanSession() const
+{
+    return d->settings.cleanSession;
+}
 
-QString QMqttClient::willTopic() const { return d->settings.willTopic; }
+QString QMqttClient::willTopic() const
+{
+    return d->settings.willTopic;
+}
 
-QByteArray QMqttClient::willMessage() const { return d->settings.willMessage; }
+QByteArray QMqttClient::willMessage() const
+{
+    return d->settings.willMessage;
+}
 
-quint8 QMqttClient::willQoS() const { return d->settings.willQoS; }
+quint8 QMqttClient::willQoS() const
+{
+    return d->settings.willQoS;
+}
 
-bool QMqttClient::willRetain() const { return d->settings.willRetain; }
+bool QMqttClient::willRetain() const
+{
+    return d->settings.willRetain;
+}
 
-bool QMqttClient::autoKeepAlive() const { return d->settings.autoKeepAlive; }
+bool QMqttClient::autoKeepAlive() const
+{
+    return d->settings.autoKeepAlive;
+}
 
-void QMqttClient::connectToHost() { d->connectToHost(); }
+void QMqttClient::connectToHost()
+{
+    d->connectToHost();
+}
 
-void QMqttClient::disconnectFromHost() { d->disconnectFromHost(); }
+void QMqttClient::disconnectFromHost()
+{
+    d->disconnectFromHost();
+}
 
 void QMqttClient::setHostname(const QString &hostname)
 {
@@ -99,7 +153,10 @@ void QMqttClient::setState(ClientState state)
         d->enter(state);
 }
 
-void QMqttClient::setError(ClientError error) { d->setError(error); }
+void QMqttClient::setError(ClientError error)
+{
+    d->setError(error);
+}
 
 void QMqttClient::setUsername(const QString &username)
 {

@@ -233,7 +233,10 @@ void QMqttClientPrivate::handle(const QMqttConnection::UnsubscribeAnswered &even
         subscription->setState(QMqttSubscription::Unsubscribed);
 }
 
-void QMqttClientPrivate::handle(const QMqttConnection::Ended &event) { finish(event.error); }
+void QMqttClientPrivate::handle(const QMqttConnection::Ended &event)
+{
+    finish(event.error);
+}
 
 /** Drops the connection and what belongs to it, and enters Disconnected. */
 void QMqttClientPrivate::finish(QMqttClient::ClientError error)

@@ -48,7 +48,10 @@ QMqttClient::ClientError errorFromCode(int code)
     }
 }
 
-QMqttConnection *connection(void *self) { return static_cast<QMqttConnection *>(self); }
+QMqttConnection *connection(void *self)
+{
+    return static_cast<QMqttConnection *>(self);
+}
 
 /** The text, or null where the library wants to see that there is none. */
 const char *textOrNull(const QByteArray &text)
@@ -217,7 +220,10 @@ bool QMqttConnection::answersInMqtt()
     return count <= 0 || first == ConnectAnswer;
 }
 
-void QMqttConnection::write() { finishCall(mosquitto_loop_write(m_handle.get(), 1)); }
+void QMqttConnection::write()
+{
+    finishCall(mosquitto_loop_write(m_handle.get(), 1));
+}
 
 void QMqttConnection::keepAlive()
 {

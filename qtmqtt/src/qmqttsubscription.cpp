@@ -11,6 +11,8 @@ QMqttSubscription::QMqttSubscription(const QMqttTopicFilter &topic, quint8 qos, 
     , m_topic(topic)
     , m_qos(qos)
 {
+    // For queued connections and signal spies: the signal names the type without its class.
+    qRegisterMetaType<SubscriptionState>("SubscriptionState");
 }
 
 void QMqttSubscription::unsubscribe()
@@ -39,7 +41,9 @@ bool QMqttSubscription::wants(const QMqttMessage &message) const
 {
     // Most applications listen to the client only; then the topics need not be compared.
     static const QMetaMethod signal = QMetaMethod::fromSignal(&QMqttSubscription::messageReceived);
-    return m_state == Subscribed && isSignalConnected(signal)
+    // A broker may send messages before its answer.
+    const bool active = m_state == Subscribed || m_state == SubscriptionPending;
+    return active && isSignalConnected(signal)
         && m_topic.match(
             message.topic(), QMqttTopicFilter::WildcardsDontMatchDollarTopicMatchOption);
 }

@@ -16,9 +16,15 @@ int QMqttTopicName::levelCount() const
     return m_name.isEmpty() ? 0 : m_name.count(QLatin1Char('/')) + 1;
 }
 
-QStringList QMqttTopicName::levels() const { return m_name.split(QLatin1Char('/')); }
+QStringList QMqttTopicName::levels() const
+{
+    return m_name.split(QLatin1Char('/'));
+}
 
-QDataStream &operator<<(QDataStream &out, const QMqttTopicName &name) { return out << name.name(); }
+QDataStream &operator<<(QDataStream &out, const QMqttTopicName &name)
+{
+    return out << name.name();
+}
 
 QDataStream &operator>>(QDataStream &in, QMqttTopicName &name)
 {

@@ -74,7 +74,10 @@ void FakeBroker::sendByteWise(const QByteArray &bytes)
     }
 }
 
-void FakeBroker::closeConnection() { m_socket->disconnectFromHost(); }
+void FakeBroker::closeConnection()
+{
+    m_socket->disconnectFromHost();
+}
 
 void FakeBroker::resetConnection()
 {

@@ -29,7 +29,10 @@ SignalLog::SignalLog(QMqttClient *client)
         });
 }
 
-QStringList SignalLog::take() { return std::exchange(m_entries, {}); }
+QStringList SignalLog::take()
+{
+    return std::exchange(m_entries, {});
+}
 
 void SignalLog::add(const QString &entry)
 {

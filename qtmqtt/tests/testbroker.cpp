@@ -27,7 +27,10 @@ QString findMosquitto()
 }
 } // namespace
 
-TestBroker::~TestBroker() { kill(); }
+TestBroker::~TestBroker()
+{
+    kill();
+}
 
 bool TestBroker::start(const QByteArray &settings)
 {

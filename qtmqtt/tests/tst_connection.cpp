@@ -93,7 +93,10 @@ private:
     TestBroker m_broker;
 };
 
-void TestConnection::initTestCase() { QVERIFY(m_broker.start()); }
+void TestConnection::initTestCase()
+{
+    QVERIFY(m_broker.start());
+}
 
 void TestConnection::freshClientHasDefaults()
 {

@@ -39,7 +39,8 @@ public:
 Q_SIGNALS:
     void stateChanged(SubscriptionState state);
     void qosChanged(quint8 qos);
-    /** A message matching topic() came while Subscribed; emitted after the client's own signal. */
+    /** A message matching topic() came while Subscribed or pending; emitted after the client's own
+     * signal. */
     void messageReceived(QMqttMessage message);
 
 public Q_SLOTS:

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "listener.h"
+
+#include <QtTest/QtTest>
+
+namespace {
+constexpr int PatienceMs = 20000;
+}
+
+Listener::Listener(quint16 port)
+{
+    client.setHostname(QStringLiteral("127.0.0.1"));
+    client.setPort(port);
+    QObject::connect(&client, &QMqttClient::messageReceived, &client,
+        [this](const QByteArray &payload, const QMqttTopicName &topic) {
+            received.append({ topic.name(), payload });
+        });
+    client.connectToHost();
+    if (!QTest::qWaitFor([this] { return client.state() == QMqttClient::Connected; }, PatienceMs))
+        qFatal("No connection to the test's own broker");
+}
+
+QMqttSubscription *Listener::subscribe(const QString &filter, quint8 qos)
+{
+    QMqttSubscription *const subscription = client.subscribe(filter, qos);
+    const auto answered = [subscription] {
+        return subscription->state() != QMqttSubscription::SubscriptionPending;
+    };
+    if (!QTest::qWaitFor(answered, PatienceMs))
+        qFatal("The test's own broker does not answer");
+    return subscription;
+}
+
+QList<QByteArray> Listener::payloads() const
+{
+    QList<QByteArray> list;
+    for (const Message &message : received)
+        list.append(message.payload);
+    return list;
+}
