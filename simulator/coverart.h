@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QSize>
+
+/** Covers for albums that nobody ever recorded. */
+namespace CoverArt {
+
+/**
+ * A picture of its own for each key, the same on every call; any bytes are a key.  A size that is
+ * no square is filled from the middle of the square picture.
+ */
+QImage draw(const QByteArray &key, const QSize &size);
+
+} // namespace CoverArt

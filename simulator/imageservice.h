@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "httpservice.h"
+
+#include <QSize>
+
+/**
+ * Stands in for the music server's image service: GET /image/KEY?scale=S&width=W&height=H.
+ *
+ * Any key has a picture, drawn for it; the answer is a JPEG.  "fit" (also the default) gives the
+ * largest square within W × H, "fill" and "stretch" give W × H.  Without a size, the picture is
+ * 600 × 600; sizes from 1 to 4096 are served.
+ */
+class ImageService : public HttpService {
+    Q_OBJECT
+
+public:
+    enum class Mode {
+        Normal,
+        Slow,   ///< answers after a delay
+        Hang,   ///< never answers, the connection stays open
+        Fail,   ///< status 500
+        Drop,   ///< closes the connection without an answer
+        Garbage ///< status 200, but the body is no picture
+    };
+
+    using HttpService::HttpService;
+
+    /** "127.0.0.1:PORT", as the core announces it. */
+    QString address() const;
+
+    /** How requests are answered from now on; the delay, in milliseconds, counts for Slow. */
+    void setMode(Mode mode, int delayMs = 0);
+    /** The mode of a name like "slow"; false for an unknown one. */
+    static bool modeOf(const QString &name, Mode *mode);
+
+signals:
+    /** One line for people: a request that was not answered as it should. */
+    void told(const QString &line);
+
+protected:
+    void answer(const QByteArray &method, const QByteArray &target, QTcpSocket *socket) override;
+
+private:
+    static void answerWithPicture(const QByteArray &target, QTcpSocket *socket);
+
+    Mode m_mode = Mode::Normal;
+    int m_delayMs = 0;
+};

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scenariolibrary.h"
+#include "sigwatch.h"
+#include "simulator.h"
+
+#include <QCoreApplication>
+#include <QTextStream>
+
+#include <csignal>
+
+namespace {
+
+/** Whole lines at once, so that a reader of a pipe sees them as they come. */
+void print(FILE *stream, const QString &text)
+{
+    QTextStream out(stream);
+    out.setCodec("UTF-8");
+    out << text << Qt::endl;
+}
+
+int complain(int status, const QString &problem)
+{
+    print(stderr, QStringLiteral("velunor-simulator: ") + problem);
+    return status;
+}
+
+int list()
+{
+    const QStringList names = ScenarioLibrary::names();
+    for (const QString &name : names) {
+        Scenario scenario;
+        QString problem;
+        if (!scenario.load(ScenarioLibrary::file(name), &problem))
+            return complain(Simulator::MalformedScenario, problem);
+        print(stdout, name.leftJustified(16) + scenario.description());
+    }
+    return Simulator::Ended;
+}
+
+int run(const Options &options)
+{
+    const QString file = ScenarioLibrary::file(options.scenario);
+    if (file.isEmpty())
+        return complain(Simulator::WrongOptions,
+            QStringLiteral("--scenario: expected a file or one of %1; found \"%2\"")
+                .arg(ScenarioLibrary::names().join(QStringLiteral(", ")), options.scenario));
+    Scenario scenario;
+    QString problem;
+    if (!scenario.load(file, &problem))
+        return complain(Simulator::MalformedScenario, problem);
+
+    Simulator simulator(options, scenario);
+    QObject::connect(
+        &simulator, &Simulator::told, [](const QString &line) { print(stdout, line); });
+    QObject::connect(
+        &simulator, &Simulator::ended, &simulator,
+        [](int status) { QCoreApplication::exit(status); }, Qt::QueuedConnection);
+    UnixSignalWatcher watcher;
+    watcher.watchForSignal(SIGINT);
+    watcher.watchForSignal(SIGTERM);
+    QObject::connect(
+        &watcher, &UnixSignalWatcher::unixSignal, [] { QCoreApplication::exit(Simulator::Ended); });
+    if (!simulator.start(&problem))
+        return complain(Simulator::PortTaken, problem);
+    const int status = QCoreApplication::exec();
+    if (status == Simulator::NoBroker)
+        return complain(status,
+            QStringLiteral("no broker answers at 127.0.0.1:%1 (is mosquitto running?)")
+                .arg(options.brokerPort));
+    simulator.stop();
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("velunor-simulator"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TOUCHUI_VERSION));
+
+    Options options;
+    QString problem;
+    if (!Options::parse(QCoreApplication::arguments(), &options, &problem))
+        return complain(Simulator::WrongOptions, problem + QStringLiteral(" (see --help)"));
+    switch (options.task) {
+    case Options::Help:
+        print(stdout, Options::helpText());
+        return Simulator::Ended;
+    case Options::Version:
+        print(stdout, QStringLiteral("velunor-simulator " TOUCHUI_VERSION));
+        return Simulator::Ended;
+    case Options::List:
+        return list();
+    case Options::Run:
+        break;
+    }
+    return run(options);
+}

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "actionrunner.h"
+#include "appliancelink.h"
+#include "disturbance.h"
+#include "imageservice.h"
+#include "options.h"
+#include "remotecontrolservice.h"
+#include "scenarioplayer.h"
+#include "stateservice.h"
+#include "webservice.h"
+
+#include <QTimer>
+
+/** The whole simulated appliance: makes the services and joins them. */
+class Simulator : public QObject {
+    Q_OBJECT
+
+public:
+    /** Exit statuses of the program. */
+    enum Status { Ended = 0, WrongOptions = 2, MalformedScenario = 3, NoBroker = 4, PortTaken = 5 };
+
+    Simulator(const Options &options, const Scenario &scenario, QObject *parent = nullptr);
+
+    /** Takes the ports and begins to connect; false, with the reason, when a port is taken. */
+    bool start(QString *problem);
+    /** Leaves the broker; what was published stays there, as after a service's end. */
+    void stop();
+
+signals:
+    /** The simulation is over, with this exit status. */
+    void ended(int status);
+    /** One line for people, without its newline and without other control characters. */
+    void told(const QString &line);
+
+private:
+    void tell(const QString &line);
+    void run(const Action &action);
+    void obey(const QByteArray &payload);
+    void takeFault(const QByteArray &payload);
+    void updateClock();
+
+    Options m_options;
+    RemoteControlService m_remote;
+    StateService m_state;
+    ImageService m_images;
+    WebService m_web;
+    Disturbance m_disturbance;
+    ActionRunner m_actions;
+    ScenarioPlayer m_player;
+    ApplianceLink m_link;
+    QTimer m_clock; ///< runs only while something plays
+    bool m_begun = false;
+};
