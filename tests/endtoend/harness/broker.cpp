@@ -9,8 +9,9 @@
 #include <csignal>
 #include <cstdio>
 
-Broker::Broker(QObject *parent)
+Broker::Broker(Log log, QObject *parent)
     : QObject(parent)
+    , m_log(log)
 {
 }
 
@@ -36,6 +37,9 @@ bool Broker::start()
     QFile configuration(m_directory.filePath(QStringLiteral("mosquitto.conf")));
     // The user must be named: root of a user namespace cannot become the user "mosquitto".
     // Without a limit on queued messages nothing that a test publishes in one go is dropped.
+    const QByteArray logTypes = m_log == Packets
+        ? "log_type all\n"
+        : "log_type error\nlog_type warning\nlog_type information\nlog_type subscribe\n";
     if (!configuration.open(QIODevice::WriteOnly)
         || configuration.write("listener 1883 127.0.0.1\n"
                                "allow_anonymous true\n"
@@ -45,7 +49,7 @@ bool Broker::start()
                                "max_queued_messages 0\n"
                                "log_dest stderr\n"
                                "log_timestamp false\n"
-                               "log_type all\n")
+               + logTypes)
             < 0) {
         qWarning("cannot write the broker's configuration");
         return false;

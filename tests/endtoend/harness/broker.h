@@ -7,14 +7,20 @@
 #include <QTemporaryDir>
 
 /**
- * A real mosquitto on 127.0.0.1:1883.  It keeps nothing over a restart, and its log tells every
- * packet: "Received PUBLISH from CLIENT (d0, q1, r0, m2, 'TOPIC', ... (5 bytes))".
+ * A real mosquitto on 127.0.0.1:1883.  It keeps nothing over a restart, and unless told otherwise
+ * its log tells every packet: "Received PUBLISH from CLIENT (d0, q1, r0, m2, 'TOPIC', ... (5
+ * bytes))".
  */
 class Broker : public QObject {
     Q_OBJECT
 
 public:
-    explicit Broker(QObject *parent = nullptr);
+    enum Log {
+        Packets,       ///< everything
+        Subscriptions, ///< "CLIENT 0 FILTER", and who comes and goes; costs nothing for a message
+    };
+
+    explicit Broker(Log log = Packets, QObject *parent = nullptr);
     /** Prints the broker's log when the test has failed. */
     ~Broker() override;
 
@@ -34,6 +40,7 @@ public:
 private:
     bool end(int signal);
 
+    const Log m_log;
     Process m_process;
     QTemporaryDir m_directory;
 };

@@ -28,7 +28,8 @@ bool BrokerClient::connectToBroker()
         = m_client.subscribe(QMqttTopicFilter(QStringLiteral("#")));
     connect(subscription, &QMqttSubscription::messageReceived, this,
         [this](const QMqttMessage &message) {
-            m_messages.append({ message.topic().name(), message.payload(), message.retain() });
+            m_messages.append({ message.topic().name(), message.payload(), message.retain(),
+                std::chrono::steady_clock::now() });
         });
     if (!waitUntil(
             [subscription] { return subscription->state() == QMqttSubscription::Subscribed; })) {

@@ -6,6 +6,8 @@
 #include <QMqttClient>
 #include <QString>
 
+#include <chrono>
+
 /**
  * The appliance's other services, as one client of the broker: publishes what they publish and
  * records, in order, all that arrives at the broker, its own messages included.
@@ -19,6 +21,7 @@ public:
         QByteArray payload;
         bool retained; ///< delivered because it was kept by the broker, not because it was just
                        ///< published
+        std::chrono::steady_clock::time_point arrival;
     };
 
     explicit BrokerClient(QObject *parent = nullptr);

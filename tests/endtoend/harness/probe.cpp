@@ -9,6 +9,17 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+namespace {
+
+/** A time of the clock that all processes share, which the probe sends in nanoseconds. */
+std::chrono::steady_clock::time_point timePoint(const QJsonValue &nanoseconds)
+{
+    return std::chrono::steady_clock::time_point(
+        std::chrono::nanoseconds(static_cast<qint64>(nanoseconds.toDouble())));
+}
+
+} // namespace
+
 Probe::Target::Target(const char *name)
     : Target(QString::fromUtf8(name))
 {
@@ -169,6 +180,37 @@ int Probe::frames()
         .toInt(-1);
 }
 
+bool Probe::listen(const QString &type, const QJsonArray &signalNames)
+{
+    return carriedOut({ { QStringLiteral("op"), QStringLiteral("listen") },
+        { QStringLiteral("object"), Target::type(type).selector },
+        { QStringLiteral("signals"), signalNames } });
+}
+
+int Probe::heard()
+{
+    return request({ { QStringLiteral("op"), QStringLiteral("heard") } })
+        .value(QLatin1String("heard"))
+        .toInt(-1);
+}
+
+bool Probe::watch(const Target &item, const QString &property)
+{
+    return carriedOut({ { QStringLiteral("op"), QStringLiteral("watch") },
+        { QStringLiteral("item"), item.selector }, { QStringLiteral("property"), property } });
+}
+
+QMap<QString, std::chrono::steady_clock::time_point> Probe::seen()
+{
+    const QJsonObject values = request({ { QStringLiteral("op"), QStringLiteral("seen") } })
+                                   .value(QLatin1String("seen"))
+                                   .toObject();
+    QMap<QString, std::chrono::steady_clock::time_point> times;
+    for (auto value = values.begin(); value != values.end(); ++value)
+        times.insert(value.key(), timePoint(value.value()));
+    return times;
+}
+
 QJsonValue Probe::environment(const QString &name)
 {
     return request({ { QStringLiteral("op"), QStringLiteral("environment") },
@@ -194,7 +236,10 @@ bool Probe::touch(const QString &operation, const QPointF &place, int finger)
 
 bool Probe::carriedOut(const QJsonObject &order)
 {
-    const QString error = request(order).value(QLatin1String("error")).toString();
+    const QJsonObject answer = request(order);
+    const QString error = answer.value(QLatin1String("error")).toString();
+    if (answer.contains(QLatin1String("touched")))
+        m_lastTouch = timePoint(answer.value(QLatin1String("touched")));
     if (error.isEmpty())
         return true;
     qWarning("%s: %s", QJsonDocument(order).toJson(QJsonDocument::Compact).constData(),

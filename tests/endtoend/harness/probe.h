@@ -5,8 +5,11 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QLocalSocket>
+#include <QMap>
 #include <QPointF>
 #include <QString>
+
+#include <chrono>
 
 /**
  * A test's hand and eye inside the program: the other end of the probe that Program loads into it.
@@ -82,6 +85,22 @@ public:
     QImage picture();
     /** Frames drawn since the last call; the first call begins the counting and gives 0. */
     int frames();
+    /**
+     * Begins to count the emissions of these signals, which must have no arguments, of the first
+     * object of this type.  False, with a message, when there is no such object or signal.
+     */
+    bool listen(const QString &type, const QJsonArray &signalNames);
+    /** The emissions counted since then. */
+    int heard();
+
+    /** Begins to record when a property of the first item that matches is shown with which value.
+     */
+    bool watch(const Target &item, const QString &property);
+    /** When each value, as text, was first on the screen: the end of the frame that drew it. */
+    QMap<QString, std::chrono::steady_clock::time_point> seen();
+    /** When delivery of the last touch began. */
+    std::chrono::steady_clock::time_point lastTouch() const { return m_lastTouch; }
+
     /** A variable of the program's environment as it is now; null when unset. */
     QJsonValue environment(const QString &name);
 
@@ -93,4 +112,5 @@ private:
 
     QString m_path;
     QLocalSocket m_socket;
+    std::chrono::steady_clock::time_point m_lastTouch;
 };

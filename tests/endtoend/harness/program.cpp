@@ -27,6 +27,7 @@ bool isForeign(const QString &name)
 
 Program::Program(QObject *parent)
     : QObject(parent)
+    , m_executable(QStringLiteral(TOUCHUI_BINARY))
     , m_environment(QProcessEnvironment::systemEnvironment())
     , m_probe(m_directory.filePath(QStringLiteral("probe")))
 {
@@ -75,9 +76,10 @@ bool Program::start()
 {
     m_log.clear();
     m_probe.disconnectFromProgram();
-    if (m_process.start(QStringLiteral(TOUCHUI_BINARY), {}, m_environment))
+    if (m_process.start(m_executable, {}, m_environment))
         return true;
-    qWarning("cannot start %s: %s", TOUCHUI_BINARY, qUtf8Printable(m_process.errorText()));
+    qWarning(
+        "cannot start %s: %s", qUtf8Printable(m_executable), qUtf8Printable(m_process.errorText()));
     return false;
 }
 

@@ -24,7 +24,9 @@ public:
     explicit Program(QObject *parent = nullptr);
     ~Program() override;
 
-    /** To be called before start(). */
+    /** To be called before start(), as are the next two: another program in the same surroundings.
+     */
+    void setExecutable(const QString &path) { m_executable = path; }
     void setEnvironment(const QString &name, const QString &value);
     void unsetEnvironment(const QString &name);
 
@@ -59,6 +61,7 @@ public:
     Probe &probe() { return m_probe; }
 
 private:
+    QString m_executable;
     Process m_process;
     QList<LogLine> m_log;
     QTemporaryDir m_directory; // home, runtime directory and socket of the program

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "probeserver.h"
 
+#include "clock.h"
 #include "selector.h"
 #include "values.h"
 
@@ -123,6 +124,12 @@ QJsonObject ProbeServer::answer(const QJsonObject &request)
         const QCursor *const cursor = QGuiApplication::overrideCursor();
         return { { QStringLiteral("shape"), cursor ? QJsonValue(cursor->shape()) : QJsonValue() } };
     }
+    if (operation == QLatin1String("listen"))
+        return listen(request);
+    if (operation == QLatin1String("heard"))
+        return { { QStringLiteral("heard"), m_signals.count() } };
+    if (operation == QLatin1String("seen"))
+        return { { QStringLiteral("seen"), m_watch.seen() } };
 
     QQuickWindow *const window = shownWindow();
     if (!window)
@@ -133,6 +140,8 @@ QJsonObject ProbeServer::answer(const QJsonObject &request)
         return grab(request, window);
     if (operation == QLatin1String("frames"))
         return { { QStringLiteral("frames"), m_frames.take(window) } };
+    if (operation == QLatin1String("watch"))
+        return watch(request, window);
     return touch(operation, request, window);
 }
 
@@ -156,10 +165,11 @@ QJsonObject ProbeServer::touch(
     // Made with the first touch, because the platform is not up yet when the plugin is loaded.
     if (!m_touchDevice)
         m_touchDevice = QTest::createTouchDevice();
+    const QJsonObject began { { QStringLiteral("touched"), monotonicNanoseconds() } };
     const bool tap = operation == QLatin1String("tap");
     if (operation == QLatin1String("move")) {
         QTest::touchEvent(window, m_touchDevice).move(finger, pixel, window);
-        return {};
+        return began;
     }
     if (!tap && operation != QLatin1String("press") && operation != QLatin1String("release"))
         return error(QStringLiteral("unknown operation"));
@@ -167,6 +177,28 @@ QJsonObject ProbeServer::touch(
         QTest::touchEvent(window, m_touchDevice).press(finger, pixel, window);
     if (tap || operation == QLatin1String("release"))
         QTest::touchEvent(window, m_touchDevice).release(finger, pixel, window);
+    return began;
+}
+
+QJsonObject ProbeServer::listen(const QJsonObject &request)
+{
+    const QList<QObject *> found
+        = Selector(request.value(QLatin1String("object")).toObject()).objects();
+    if (found.isEmpty())
+        return error(QStringLiteral("no such object"));
+    if (!m_signals.listen(found.first(), request.value(QLatin1String("signals")).toArray()))
+        return error(QStringLiteral("no such signal"));
+    return {};
+}
+
+QJsonObject ProbeServer::watch(const QJsonObject &request, QQuickWindow *window)
+{
+    const QList<QQuickItem *> found
+        = Selector(request.value(QLatin1String("item")).toObject()).items(window);
+    if (found.isEmpty())
+        return error(QStringLiteral("no such item"));
+    m_watch.begin(
+        window, found.first(), request.value(QLatin1String("property")).toString().toLatin1());
     return {};
 }
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "framecounter.h"
+#include "framewatch.h"
+#include "signalcounter.h"
 
 #include <QLocalServer>
 #include <QObject>
@@ -25,12 +27,18 @@ class QTouchDevice;
  * - "count": how many live objects match "object".
  * - "grab": writes what the window shows to "file", a path ending in .png; answers width, height.
  * - "frames": the frames drawn since the last such request; 0 for the first.
+ * - "listen": begins to count the emissions of the argumentless "signals" of the first live object
+ *   that matches "object"; "heard" answers how many there have been since.
+ * - "watch": begins to record when a value of "property" of the first item that matches "item" is
+ * on the screen for the first time; "seen" answers an object of the values, as text, and their
+ * times.
  * - "environment": the value of the variable "name", null when it is unset.
  * - "cursor": the shape of the override cursor as a Qt::CursorShape, null when there is none.
  *
  * "item" and "object" hold the description of a Selector.  Touches are delivered before the answer
- * is sent.  A request that arrives while the program waits in a local event loop is answered from
- * that loop.
+ * is sent; it tells when their delivery began, as "touched".  Times are nanoseconds of
+ * the monotonic clock that all processes share.  A request that arrives while the program waits in
+ * a local event loop is answered from that loop.
  */
 class ProbeServer : public QObject {
     Q_OBJECT
@@ -50,9 +58,13 @@ private:
     static QJsonObject items(const QJsonObject &request, const QQuickWindow *window);
     static QJsonObject objects(const QJsonObject &request);
     static QJsonObject count(const QJsonObject &request);
+    QJsonObject listen(const QJsonObject &request);
+    QJsonObject watch(const QJsonObject &request, QQuickWindow *window);
     static QJsonObject grab(const QJsonObject &request, QQuickWindow *window);
 
     QLocalServer m_server;
     FrameCounter m_frames;
+    FrameWatch m_watch;
+    SignalCounter m_signals;
     QTouchDevice *m_touchDevice = nullptr;
 };
