@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "process.h"
+
+/** An X server without a screen, on which OpenGL is drawn by the processor. */
+class Display {
+public:
+    /** Starts it and waits until it takes clients; false, with a message, when it does not. */
+    bool start();
+
+    /** What goes into DISPLAY, once started. */
+    QString name() const { return m_name; }
+
+private:
+    Process m_process;
+    QString m_name;
+};

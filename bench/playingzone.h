@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "brokerclient.h"
+#include "imageserver.h"
+
+/** A music server that has been found, and one zone of it that plays a track with cover art. */
+class PlayingZone {
+public:
+    /** The zone's display name. */
+    static QString name();
+    /** The topic of one of the zone's keys, for example "nowPlaying/song". */
+    static QString topic(const QString &key);
+
+    /** Publishes everything, kept by the broker; false when the broker does not confirm it. */
+    bool publish(BrokerClient &services);
+
+private:
+    ImageServer m_images;
+};

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "processfigures.h"
+
+#include "eventwait.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int RestMs = 1000;
+
+QString directoryOf(qint64 process)
+{
+    return QStringLiteral("/proc/%1").arg(process);
+}
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(path));
+    return file.readAll();
+}
+
+/** The number behind @p label, which begins a line of @p text. */
+qint64 labelled(const QByteArray &text, const QByteArray &label)
+{
+    const int start = text.indexOf('\n' + label);
+    if (start < 0)
+        qFatal("the kernel does not tell %s", label.constData());
+    const QByteArray rest = text.mid(start + 1 + label.size());
+    return rest.left(rest.indexOf('\n')).simplified().split(' ').first().toLongLong();
+}
+
+} // namespace
+
+qint64 ProcessFigures::pssKiB(qint64 process)
+{
+    return labelled(contents(directoryOf(process) + QStringLiteral("/smaps_rollup")), "Pss:");
+}
+
+qint64 ProcessFigures::processorMs(qint64 process)
+{
+    // Behind the name, which may hold anything but ends with the last parenthesis; user and system
+    // time are the 12th and 13th of what follows, in clock ticks.
+    const QByteArray text = contents(directoryOf(process) + QStringLiteral("/stat"));
+    const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+    return (fields.at(11).toLongLong() + fields.at(12).toLongLong()) * 1000
+        / ::sysconf(_SC_CLK_TCK);
+}
+
+qint64 ProcessFigures::voluntarySwitches(qint64 process)
+{
+    const QString directory = directoryOf(process) + QStringLiteral("/task/");
+    const QStringList threads = QDir(directory).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    qint64 sum = 0;
+    for (const QString &thread : threads)
+        sum += labelled(
+            contents(directory + thread + QStringLiteral("/status")), "voluntary_ctxt_switches:");
+    return sum;
+}
+
+bool ProcessFigures::waitUntilAtRest(qint64 process)
+{
+    for (int i = 0; i < PatienceForEventMs / RestMs; ++i) {
+        const qint64 before = processorMs(process);
+        serveEvents(RestMs);
+        if (processorMs(process) == before)
+            return true;
+    }
+    return false;
+}

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QtGlobal>
+
+/** What the kernel says of a running process.  Each ends the benchmark when it cannot be read. */
+namespace ProcessFigures {
+
+/** Proportional set size in KiB: resident memory, what is shared counted in parts. */
+qint64 pssKiB(qint64 process);
+
+/** Processor time of all threads, those that ended included, in milliseconds. */
+qint64 processorMs(qint64 process);
+
+/** How often the threads that are alive have gone to sleep by themselves. */
+qint64 voluntarySwitches(qint64 process);
+
+/**
+ * Waits until the process has used no processor time for a second; false when it never rests.
+ */
+bool waitUntilAtRest(qint64 process);
+
+} // namespace ProcessFigures

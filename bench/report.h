@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QList>
+#include <QString>
+
+/** The table of results.  A goal that is missed is shown, and is no failure. */
+class Report {
+public:
+    enum Goal { AtLeast, AtMost };
+
+    /** The program's figure against that of its reference; the goal is a limit of their ratio. */
+    void addRatio(const QString &what, const QString &unit, double ours, double reference,
+        Goal goal, double limit);
+    /** A figure with a limit of its own. */
+    void addLimited(const QString &what, const QString &unit, double ours, double limit);
+    /** A figure without a goal, for whoever reads the others; @p reference below 0 for none. */
+    void addFigure(const QString &what, const QString &unit, double ours, double reference = -1);
+
+    /** Writes the table to standard output. */
+    void print() const;
+
+private:
+    struct Row {
+        QString what;
+        QString ours;
+        QString reference;
+        QString ratio;
+        QString goal;
+        QString verdict;
+    };
+    QList<Row> m_rows;
+};

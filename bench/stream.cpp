@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stream.h"
+
+#include "eventwait.h"
+#include "playingzone.h"
+
+namespace {
+
+// Packets of MQTT 3.1.1; a message at quality of service 0 has no identifier.
+constexpr char ConnectPacket = 0x10;
+constexpr char PublishPacket = 0x30;
+const QByteArray CleanSessionWithoutName("\x00\x04MQTT\x04\x02\x00\x00\x00\x00", 12);
+constexpr int ConnectAnswerSize = 4;
+
+QByteArray packet(char type, const QByteArray &body)
+{
+    QByteArray bytes(1, type);
+    int length = body.size();
+    do {
+        const int rest = length / 128;
+        bytes += static_cast<char>(length % 128 + (rest > 0 ? 128 : 0));
+        length = rest;
+    } while (length > 0);
+    return bytes + body;
+}
+
+QByteArray publication(const QByteArray &topic, const QByteArray &payload)
+{
+    QByteArray body;
+    body += static_cast<char>(topic.size() / 256);
+    body += static_cast<char>(topic.size() % 256);
+    return packet(PublishPacket, body + topic + payload);
+}
+
+} // namespace
+
+Stream::Stream(int messages)
+    : m_messages(messages)
+{
+    const QByteArray position
+        = PlayingZone::topic(QStringLiteral("nowPlaying/seekPosition")).toUtf8();
+    const QByteArray volume = PlayingZone::topic(QStringLiteral("volume/value")).toUtf8();
+    const QByteArray song = PlayingZone::topic(QStringLiteral("nowPlaying/song")).toUtf8();
+    for (int i = 0; i < messages; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        if (i % 20 == 10)
+            m_packets += publication(volume, QByteArray::number(41 + i / 20 % 50));
+        else if (i % 20 == 0)
+            m_packets += publication(song, "Track number " + number);
+        else
+            m_packets += publication(position, number);
+    }
+}
+
+bool Stream::connectToBroker()
+{
+    m_socket.connectToHost(QStringLiteral("127.0.0.1"), 1883);
+    m_socket.write(packet(ConnectPacket, CleanSessionWithoutName));
+    const bool accepted
+        = waitForEvent([this] { return m_socket.bytesAvailable() >= ConnectAnswerSize; });
+    if (!accepted)
+        qWarning("the broker does not accept the connection of the stream");
+    return accepted;
+}
+
+void Stream::send(const QByteArray &command)
+{
+    m_socket.write(m_packets);
+    m_socket.write(publication("Velunor/Controller/remote_control/v4/Control/command",
+        "{\"command\":\"" + command + "\"}"));
+}

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QTcpSocket>
+
+/**
+ * What a playing zone publishes, many hours of it at once: the position in the track, a volume that
+ * is turned, titles.  Every message changes a property that the player notifies.
+ *
+ * The packets are put together beforehand and written to the broker as they are, so that the cost
+ * of publishing is not a part of what is measured.
+ */
+class Stream {
+public:
+    explicit Stream(int messages);
+
+    int messages() const { return m_messages; }
+
+    /** Connects to the broker; false, with a message, when it does not accept the connection. */
+    bool connectToBroker();
+    /** Sends all messages, followed by a command with the given name.  Returns at once. */
+    void send(const QByteArray &command);
+
+private:
+    int m_messages;
+    QByteArray m_packets;
+    QTcpSocket m_socket;
+};

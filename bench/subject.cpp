@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "subject.h"
+
+#include "playingzone.h"
+
+void Subject::prepareProbedProgram(Program &program, Platform platform, const Display &display)
+{
+    program.unsetEnvironment(QStringLiteral("TOUCHUI_DEBUG"));
+    program.setEnvironment(QStringLiteral("VELUNOR_TOUCHUI_CONTROL_ZONE"), PlayingZone::name());
+    if (platform == OpenGl) {
+        program.setEnvironment(QStringLiteral("DISPLAY"), display.name());
+        program.setEnvironment(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+        program.setEnvironment(QStringLiteral("LIBGL_ALWAYS_SOFTWARE"), QStringLiteral("1"));
+        program.unsetEnvironment(QStringLiteral("QT_QUICK_BACKEND"));
+    }
+}
+
+void Subject::prepareProgram(Program &program, Platform platform, const Display &display)
+{
+    prepareProbedProgram(program, platform, display);
+    program.unsetEnvironment(QStringLiteral("QT_QPA_GENERIC_PLUGINS"));
+}
+
+void Subject::prepareBareWindow(Program &program, Platform platform, const Display &display)
+{
+    prepareProgram(program, platform, display);
+    program.setExecutable(QStringLiteral(TOUCHUI_BARE_WINDOW));
+}
+
+bool Subject::showsPlayer(Program &program)
+{
+    return program.waitForLine(
+        Line::info(QStringLiteral("ImageProvider::requestImage() return fetched mage")));
+}

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "display.h"
+#include "program.h"
+
+/** The programs that are measured, in surroundings that are the same for both. */
+namespace Subject {
+
+enum Platform {
+    OpenGl,   ///< on a display
+    Offscreen ///< without one, drawn by Qt's software renderer
+};
+
+/** Readies the program as it is delivered: no debug log, no probe. */
+void prepareProgram(Program &program, Platform platform, const Display &display);
+/** The same with the probe loaded, which makes the program larger and its start longer. */
+void prepareProbedProgram(Program &program, Platform platform, const Display &display);
+/** Readies the window with one text instead. */
+void prepareBareWindow(Program &program, Platform platform, const Display &display);
+
+/** Waits until the player page is on view and has its cover; false when that never comes. */
+bool showsPlayer(Program &program);
+
+} // namespace Subject
