@@ -9,17 +9,28 @@ namespace {
 
 constexpr unsigned long KeepAliveMs = 2800;
 
+void logStart()
+{
+    qDebug() << "SystemdWatchdog::WorkerThread::run()";
+}
+
+void ping()
+{
+    qDebug() << "SystemdWatchdog::WorkerThread::PING";
+    SystemdWatchdog::notify(QStringLiteral("WATCHDOG=1"));
+}
+
 } // namespace
 
 void SystemdWatchdog::WorkerThread::run()
 {
-    // Termination may only hit the sleep. Cancelled inside the logging or the socket write, the
-    // thread would take their locks with it and the main thread's next log line would never return.
+    // Termination may only hit the sleep, in a frame that holds nothing. Cancelled inside the
+    // logging or the socket write, the thread would take their locks with it and the main thread's
+    // next log line would never return.
     setTerminationEnabled(false);
-    qDebug() << "SystemdWatchdog::WorkerThread::run()";
+    logStart();
     for (;;) {
-        qDebug() << "SystemdWatchdog::WorkerThread::PING";
-        SystemdWatchdog::notify(QStringLiteral("WATCHDOG=1"));
+        ping();
         setTerminationEnabled(true);
         msleep(KeepAliveMs);
         setTerminationEnabled(false);
