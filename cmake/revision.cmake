@@ -2,6 +2,7 @@
 # touchui_revision: an interface target that offers "revision.h" with the commit being built.  The header is
 # looked at on every build and rewritten only when the commit has changed.  Run with -P it writes the header.
 if(CMAKE_SCRIPT_MODE_FILE)
+    cmake_minimum_required(VERSION 3.18)
     set(revision "")
     execute_process(COMMAND git -C "${SOURCE_DIR}" rev-parse HEAD
         OUTPUT_VARIABLE revision OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
@@ -11,11 +12,11 @@ if(CMAKE_SCRIPT_MODE_FILE)
     if(NOT revision MATCHES "^[0-9a-f]+$" OR prefix)
         string(REPEAT "0" 40 revision)
     endif()
-    file(CONFIGURE OUTPUT "${OUTPUT}" @ONLY CONTENT "// SPDX-License-Identifier: GPL-3.0-or-later
+    file(CONFIGURE OUTPUT "${OUTPUT}" CONTENT "// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 /** The commit this program was built from; zeros when it was not built from a checkout. */
-constexpr char BuildRevision[] = \"@revision@\";
+constexpr char BuildRevision[] = \"${revision}\";
 ")
     return()
 endif()
