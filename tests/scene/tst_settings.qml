@@ -183,6 +183,25 @@ Item {
             compare(restarts.count, 0);
         }
 
+        function test_aDragEndsWithThePage() {
+            const mainWindow = create("main.qml", null);
+            Navigation.setScreen("SettingsWindow");
+            const loader = find(mainWindow, "loaderSettingsWindow");
+            tryCompare(loader, "status", Loader.Ready);
+            const moved = find(find(loader.item, "screenBrightness"), "slider");
+            const touch = drag(moved, 0.5 * moved.width, 20, 0.9 * moved.width, 20, false);
+            tryVerify(function() { return Settings.brightness > 220; });
+            Navigation.setScreen("Clock");
+            tryCompare(loader, "item", null);
+            Settings.brightness = 150;
+            touch.move(1, mainWindow.contentItem, 20, 20).commit();
+            touch.release(1, mainWindow.contentItem, 20, 20).commit();
+            tryCompare(find(mainWindow, "loaderClock"), "status", Loader.Ready);
+            compare(Settings.brightness, 150);
+            verify(logged("debug: settingsWindow:onVisibleChanged: false"));
+            compare(ScreenController.calls.indexOf("restoreSettings"), -1);
+        }
+
         function test_saveKeepsAndLeaves() {
             dragTo("screenBrightness", 1);
             tap(find(page, "save"));
