@@ -17,5 +17,7 @@ Item {
         objectName: "text"
         anchors.centerIn: parent
         horizontalAlignment: Text.AlignHCenter
+        // Scaled up from a distance field, digits of this size get corners.
+        renderType: Text.NativeRendering
     }
 }
