@@ -51,6 +51,13 @@ Probe::Target Probe::Target::text(const QString &text)
         { QStringLiteral("where"), QJsonObject { { QStringLiteral("text"), text } } } };
 }
 
+Probe::Target Probe::Target::inside(const QString &name) const
+{
+    Target narrower(*this);
+    narrower.selector.insert(QStringLiteral("inside"), name);
+    return narrower;
+}
+
 Probe::Probe(const QString &path)
     : m_path(path)
 {

@@ -31,6 +31,8 @@ public:
         static Target file(const QString &name);
         /** Texts that read exactly so. */
         static Target text(const QString &text);
+        /** The same, but only inside the item or object of this objectName. */
+        Target inside(const QString &name) const;
 
         QJsonObject selector;
     };

@@ -53,13 +53,18 @@ Program::Program(QObject *parent)
 
 Program::~Program()
 {
+    printLogOnFailure(0);
+    if (QTest::currentTestFailed() && !isRunning())
+        std::fprintf(stderr, "It ended with status %d.\n", exitStatus());
+}
+
+void Program::printLogOnFailure(int from) const
+{
     if (!QTest::currentTestFailed())
         return;
-    std::fprintf(stderr, "The program's log, %d lines:\n", logSize());
-    for (const LogLine &line : qAsConst(m_log))
+    std::fprintf(stderr, "The program's log from line %d of %d:\n", from, logSize());
+    for (const LogLine &line : m_log.mid(from))
         std::fprintf(stderr, "    %s\n", qUtf8Printable(line.whole));
-    if (!isRunning())
-        std::fprintf(stderr, "It ended with status %d.\n", exitStatus());
 }
 
 void Program::setEnvironment(const QString &name, const QString &value)

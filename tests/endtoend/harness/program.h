@@ -57,6 +57,10 @@ public:
      */
     bool waitForLine(const LogPattern &pattern, int from = 0);
 
+    /** Prints the log from this position, where a test of several begins, when that test has
+     * failed. */
+    void printLogOnFailure(int from) const;
+
     /** The way into the scene; connected on first use. */
     Probe &probe() { return m_probe; }
 

@@ -32,12 +32,29 @@ bool isWrittenIn(const QObject *object, const QString &file)
     return context && context->baseUrl().fileName() == file;
 }
 
+/** What an item lies in on the screen, any other object in the tree of objects. */
+const QObject *outerOf(const QObject *object)
+{
+    const auto *const item = qobject_cast<const QQuickItem *>(object);
+    return item && item->parentItem() ? item->parentItem() : object->parent();
+}
+
+bool liesInside(const QObject *object, const QString &name)
+{
+    for (const QObject *outer = outerOf(object); outer; outer = outerOf(outer)) {
+        if (outer->objectName() == name)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 Selector::Selector(const QJsonObject &description)
     : m_name(description.value(QLatin1String("name")).toString())
     , m_type(description.value(QLatin1String("type")).toString().toLatin1())
     , m_file(description.value(QLatin1String("file")).toString())
+    , m_inside(description.value(QLatin1String("inside")).toString())
     , m_where(description.value(QLatin1String("where")).toObject())
     , m_hidden(description.value(QLatin1String("all")).toBool())
 {
@@ -76,6 +93,8 @@ bool Selector::matches(const QObject *object) const
     if (!m_type.isEmpty() && !isOfType(object->metaObject(), m_type))
         return false;
     if (!m_file.isEmpty() && !isWrittenIn(object, m_file))
+        return false;
+    if (!m_inside.isEmpty() && !liesInside(object, m_inside))
         return false;
     for (auto it = m_where.begin(); it != m_where.end(); ++it) {
         if (toJson(object->property(it.key().toLatin1())) != it.value())

@@ -16,6 +16,7 @@ class QQuickWindow;
  * - "name": the objectName, exactly.
  * - "type": the C++ or QML type, or one it derives from: "QQuickText" also finds labels.
  * - "file": the name, without directory, of the QML file in which the object is written.
+ * - "inside": the objectName of an object that it lies in, at any depth.
  * - "where": an object of property names with the values they must have.
  * - "all": true when hidden items count too; they are left out otherwise.
  */
@@ -39,6 +40,7 @@ private:
     QString m_name;
     QByteArray m_type;
     QString m_file;
+    QString m_inside;
     QJsonObject m_where;
     bool m_hidden = false;
 };

@@ -1,0 +1,430 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "apiserver.h"
+#include "appliance.h"
+#include "waiting.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+#include <cmath>
+
+namespace {
+
+const QString CommandTopic = "Velunor/Controller/remote_control/v4/Control/command";
+const QString ZoneTopic = "Velunor/touch_ui/v3/Display/zone";
+
+/** A zone's values by key, as its service publishes them. */
+using ZoneValues = QList<QPair<QString, QByteArray>>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(ZoneValues)
+
+/** The player page, from broker message to what is shown, and from touch to command. */
+class PlayingTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void textsFollowTheZone();
+    void longTextsAreShortenedWhenTheyMayNotScroll();
+    void timesAndProgressFollowTheZone();
+    void middleButtonFollowsTheState_data();
+    void middleButtonFollowsTheState();
+    void optionIconsFollowTheZone();
+    void nothingPlayingShowsTheLogo();
+    void touchesBecomeCommands_data();
+    void touchesBecomeCommands();
+    void commandsAreLoggedAsTheyComeBack();
+    void twoQuickTouchesSendTheSameTwice();
+    void hiddenIconsAnswerTouches();
+    void volumeDialogSendsSteps();
+    void volumeSliderSendsAValueOnce();
+    void volumeDialogClosesBesideATouch();
+    void aZoneIsChosenFromTheList();
+    void anUpdateIsAskedForAtTheWebService();
+    void aMissingWebServiceIsLogged();
+
+private:
+    /** Publishes values of the zone and waits until the program has them. */
+    bool zoneIs(const ZoneValues &values);
+    Probe &probe() { return m_appliance.program.probe(); }
+    /** Waits until this command, and nothing else, has come to the broker. */
+    bool onlyCommandIs(const QByteArray &command);
+
+    Appliance m_appliance;
+    int m_firstLine = 0;
+};
+
+void PlayingTest::initTestCase()
+{
+    QVERIFY(m_appliance.start());
+}
+
+void PlayingTest::init()
+{
+    // The state from which each test starts.
+    // The step comes first: how many decimals it means is read again with the next message.
+    QVERIFY(zoneIs({ { "volume/step", "1" }, { "state", "playing" }, { "nowPlaying/song", "Song" },
+        { "nowPlaying/artist", "Artist" }, { "nowPlaying/album", "Album" },
+        { "nowPlaying/length", "200" }, { "nowPlaying/seekPosition", "50" },
+        { "settings/shuffle", "false" }, { "settings/autoRadio", "false" },
+        { "settings/loop", "disabled" }, { "queue_items_remaining", "3" },
+        { "is_previous_allowed", "true" }, { "is_next_allowed", "true" },
+        { "is_pause_allowed", "true" }, { "is_play_allowed", "false" },
+        { "is_seek_allowed", "true" }, { "volume/available", "true" }, { "volume/value", "40" },
+        { "volume/min", "0" }, { "volume/max", "100" }, { "volume/hard_limit_min", "0" },
+        { "volume/hard_limit_max", "100" }, { "volume/soft_limit", "80" } }));
+    m_appliance.services.clear();
+    m_firstLine = m_appliance.program.logSize();
+}
+
+void PlayingTest::cleanup()
+{
+    QVERIFY(m_appliance.program.isRunning());
+    for (const LogLine &line : m_appliance.program.log().mid(m_firstLine)) {
+        if (line.level == "WARN" && (line.file.isEmpty() || line.file.endsWith(".qml")))
+            QTest::qFail(qPrintable(line.whole), __FILE__, __LINE__);
+    }
+    m_appliance.program.printLogOnFailure(m_firstLine);
+}
+
+void PlayingTest::textsFollowTheZone()
+{
+    QVERIFY(
+        zoneIs({ { "nowPlaying/song",
+                     "<b>Caf\xc3\xa9</b> & \xe4\xb8\xad <img src=\"http://127.0.0.1:8080/x\">" },
+            { "nowPlaying/artist", "\xd7\x90\xd7\x91 Artist" }, { "nowPlaying/album", "" } }));
+    const QString song = QString::fromUtf8(
+        "<b>Caf\xc3\xa9</b> & \xe4\xb8\xad <img src=\"http://127.0.0.1:8080/x\">");
+    QCOMPARE(probe().property("songTitle", "text"), QJsonValue(song));
+    QCOMPARE(probe().property("artist", "text"),
+        QJsonValue(QString::fromUtf8("\xd7\x90\xd7\x91 Artist")));
+    QCOMPARE(probe().property("album", "text"), QJsonValue(""));
+    // Shown as it came, not as the mark-up that it might be.
+    const Probe::Target label = Probe::Target("label").inside("songTitle");
+    QCOMPARE(probe().property(label, "text"), QJsonValue(song));
+    QCOMPARE(probe().property(label, "textFormat"), QJsonValue(Qt::PlainText));
+}
+
+void PlayingTest::longTextsAreShortenedWhenTheyMayNotScroll()
+{
+    const QString text = "1234567890123456789012345678901234567890";
+    QVERIFY(zoneIs({ { "nowPlaying/song", text.toUtf8() }, { "nowPlaying/artist", text.toUtf8() },
+        { "nowPlaying/album", text.toUtf8() } }));
+    QCOMPARE(probe().property("songTitle", "text"), QJsonValue(text));
+    m_appliance.publishSetting("touchscreen_scrolling", "false");
+    QVERIFY(m_appliance.handled());
+    QCOMPARE(probe().property("songTitle", "text"), QJsonValue(text.left(38) + "..."));
+    QCOMPARE(probe().property("artist", "text"), QJsonValue(text.left(30) + "..."));
+    QCOMPARE(probe().property("album", "text"), QJsonValue(text.left(24) + "..."));
+    m_appliance.publishSetting("touchscreen_scrolling", "true");
+    QVERIFY(m_appliance.handled());
+    QCOMPARE(probe().property("album", "text"), QJsonValue(text));
+}
+
+void PlayingTest::timesAndProgressFollowTheZone()
+{
+    QVERIFY(zoneIs({ { "nowPlaying/length", "3725" }, { "nowPlaying/seekPosition", "1005" } }));
+    QCOMPARE(probe().property("seekPosition", "text"), QJsonValue("16:45"));
+    QCOMPARE(probe().property("length", "text"), QJsonValue("62:05"));
+    const double bar = probe().area("progressBar").width();
+    QCOMPARE(
+        probe().property("progressFill", "width").toDouble(), std::floor(1005.0 / 3725.0 * bar));
+
+    QVERIFY(zoneIs({ { "nowPlaying/length", "0" }, { "queue_items_remaining", "0" },
+        { "is_seek_allowed", "false" } }));
+    QVERIFY(!probe().shows("length"));
+    QVERIFY(probe().area("progressFill").width() == 0);
+}
+
+void PlayingTest::middleButtonFollowsTheState_data()
+{
+    QTest::addColumn<ZoneValues>("values");
+    QTest::addColumn<QString>("icon"); // empty: hidden
+    QTest::newRow("playing") << ZoneValues { { "state", "playing" } }
+                             << QString("round_pause_white_48dp.png");
+    QTest::newRow("playing a stream")
+        << ZoneValues { { "state", "playing" }, { "is_seek_allowed", "false" } }
+        << QString("round_stop_white_48dp.png");
+    QTest::newRow("paused") << ZoneValues { { "state", "paused" }, { "is_play_allowed", "true" } }
+                            << QString("round_play_arrow_white_48dp.png");
+    QTest::newRow("loading") << ZoneValues { { "state", "loading" } }
+                             << QString("round_play_arrow_white_48dp.png");
+    QTest::newRow("nothing allowed") << ZoneValues { { "is_pause_allowed", "false" } } << QString();
+}
+
+void PlayingTest::middleButtonFollowsTheState()
+{
+    QFETCH(ZoneValues, values);
+    QFETCH(QString, icon);
+    QVERIFY(zoneIs(values));
+    const Probe::Target button = Probe::Target("icon").inside("playPause");
+    if (icon.isEmpty())
+        QVERIFY(!probe().shows(button));
+    else
+        QVERIFY(probe().property("playPause", "source").toString().endsWith(icon));
+}
+
+void PlayingTest::optionIconsFollowTheZone()
+{
+    QVERIFY(probe().property("radio", "source").toString().endsWith("ic_radio_white_48dp.png"));
+    QVERIFY(probe().property("shuffle", "source").toString().endsWith("ic_shuffle_white_48dp.png"));
+    QVERIFY(probe().property("loop", "source").toString().endsWith("ic_loop_white_48dp.png"));
+    QVERIFY(!probe().shows("loopOne"));
+    QVERIFY(zoneIs({ { "settings/autoRadio", "true" }, { "settings/shuffle", "true" },
+        { "settings/loop", "loop_one" } }));
+    QVERIFY(probe().property("radio", "source").toString().endsWith("ic_radio_blue_48dp.png"));
+    QVERIFY(probe().property("shuffle", "source").toString().endsWith("ic_shuffle_blue_48dp.png"));
+    QVERIFY(probe().property("loop", "source").toString().endsWith("ic_loop_blue_48dp.png"));
+    QVERIFY(probe().shows("loopOne"));
+}
+
+void PlayingTest::nothingPlayingShowsTheLogo()
+{
+    QVERIFY(zoneIs({ { "state", "stopped" }, { "queue_items_remaining", "0" },
+        { "is_pause_allowed", "false" } }));
+    QCOMPARE(probe().property("songTitle", "text"), QJsonValue("Nothing Playing"));
+    QCOMPARE(probe().property("artist", "text"), QJsonValue(""));
+    QCOMPARE(probe().property("album", "text"), QJsonValue(""));
+    QTRY_COMPARE_WITH_TIMEOUT(probe().property("coverPicture", "source"),
+        QJsonValue("image://velunor/__VELUNOR_LOGO__"), PatienceMs);
+    QVERIFY(!probe().shows("seekPosition"));
+    QVERIFY(!probe().shows("progressBar"));
+}
+
+void PlayingTest::touchesBecomeCommands_data()
+{
+    QTest::addColumn<ZoneValues>("values");
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<QByteArray>("command");
+    QTest::newRow("play or pause") << ZoneValues() << QString("playPause")
+                                   << QByteArray(R"({"command":"playpause","zone_id":"z1"})");
+    QTest::newRow("previous") << ZoneValues() << QString("previous")
+                              << QByteArray(R"({"command":"previous","zone_id":"z1"})");
+    QTest::newRow("next") << ZoneValues() << QString("next")
+                          << QByteArray(R"({"command":"next","zone_id":"z1"})");
+    QTest::newRow("radio on") << ZoneValues() << QString("radio")
+                              << QByteArray(
+                                     R"({"command":"set_radio","radio":true,"zone_id":"z1"})");
+    QTest::newRow("radio off") << ZoneValues {
+        { "settings/autoRadio", "true" }
+    } << QString("radio") << QByteArray(R"({"command":"set_radio","radio":false,"zone_id":"z1"})");
+    QTest::newRow("shuffle on")
+        << ZoneValues() << QString("shuffle")
+        << QByteArray(R"({"command":"set_shuffle","shuffle":true,"zone_id":"z1"})");
+    QTest::newRow("shuffle off")
+        << ZoneValues { { "settings/shuffle", "true" } } << QString("shuffle")
+        << QByteArray(R"({"command":"set_shuffle","shuffle":false,"zone_id":"z1"})");
+    const auto loop = [](const char *name, const QByteArray &from, const QByteArray &to) {
+        QTest::newRow(name) << ZoneValues { { "settings/loop", from } } << QString("loop")
+                            << QByteArray(R"({"command":"set_loopmode","loop":")" + to
+                                   + R"(","zone_id":"z1"})");
+    };
+    loop("loop after none", "disabled", "loop");
+    loop("one after loop", "loop", "loop_one");
+    loop("none after one", "loop_one", "disabled");
+    loop("none after an unknown mode", "shuffle", "disabled");
+    loop("none after no mode", "", "disabled");
+}
+
+void PlayingTest::touchesBecomeCommands()
+{
+    QFETCH(ZoneValues, values);
+    QFETCH(QString, item);
+    QFETCH(QByteArray, command);
+    QVERIFY(zoneIs(values));
+    QVERIFY(probe().tap(item));
+    QVERIFY(onlyCommandIs(command));
+    QVERIFY(m_appliance.broker.waitForLine(QRegularExpression(QStringLiteral(
+        "^Received PUBLISH from \\S+ \\(d0, q1, r0, m\\d+, '%1', \\.\\.\\. \\(%2 bytes\\)\\)$")
+                                                                  .arg(CommandTopic)
+                                                                  .arg(command.size()))));
+}
+
+void PlayingTest::commandsAreLoggedAsTheyComeBack()
+{
+    QVERIFY(probe().tap("next"));
+    QVERIFY(m_appliance.program.waitForLine(
+        Line::info(
+            R"(Mqtt::processMessageApi() received remote control command: {"command":"next","zone_id":"z1"})"),
+        m_firstLine));
+    QVERIFY(m_appliance.program.waitForLine(
+        Line::warning("Mqtt::processMessageApi() ignore unsupported command: next"), m_firstLine));
+}
+
+void PlayingTest::twoQuickTouchesSendTheSameTwice()
+{
+    QVERIFY(probe().tap("shuffle"));
+    QVERIFY(probe().tap("shuffle"));
+    const QByteArray command = R"({"command":"set_shuffle","shuffle":true,"zone_id":"z1"})";
+    QTRY_COMPARE_WITH_TIMEOUT(
+        m_appliance.commands(), QList<QByteArray>({ command, command }), PatienceMs);
+}
+
+void PlayingTest::hiddenIconsAnswerTouches()
+{
+    m_appliance.publishSetting("touchscreen_hide_option_buttons", "true");
+    QVERIFY(zoneIs({ { "is_next_allowed", "false" } }));
+    QVERIFY(!probe().shows(Probe::Target("icon").inside("next")));
+    QVERIFY(!probe().shows(Probe::Target("icon").inside("radio")));
+    QVERIFY(probe().tap("next"));
+    QVERIFY(probe().tap("radio"));
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance.commands(),
+        QList<QByteArray>({ R"({"command":"next","zone_id":"z1"})",
+            R"({"command":"set_radio","radio":true,"zone_id":"z1"})" }),
+        PatienceMs);
+    m_appliance.publishSetting("touchscreen_hide_option_buttons", "false");
+    QVERIFY(m_appliance.handled());
+}
+
+void PlayingTest::volumeDialogSendsSteps()
+{
+    QVERIFY(zoneIs({ { "volume/step", "0.5" }, { "volume/value", "40.5" } }));
+    QCOMPARE(probe().property("volumeText", "text"), QJsonValue("40.5"));
+    QVERIFY(probe().tap("volumeBox"));
+    QTRY_VERIFY_WITH_TIMEOUT(probe().shows("volumeSlider"), PatienceMs);
+    QCOMPARE(probe().property("currentText", "text"), QJsonValue("40.5"));
+    QCOMPARE(probe().property("minimumText", "text"), QJsonValue("0.0"));
+    QCOMPARE(probe().property("maximumText", "text"), QJsonValue("100.0"));
+    QCOMPARE(probe().property("softLimitText", "text"), QJsonValue("80.0"));
+    QVERIFY(probe().tap("volumeUp"));
+    QVERIFY(probe().tap("volumeDown"));
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance.commands(),
+        QList<QByteArray>(
+            { R"({"command":"set_volume","how":"relative","value":0.5,"zone_id":"z1"})",
+                R"({"command":"set_volume","how":"relative","value":-0.5,"zone_id":"z1"})" }),
+        PatienceMs);
+    QVERIFY(probe().tap(QPointF(5, 240)));
+    QTRY_VERIFY_WITH_TIMEOUT(!probe().shows("volumeSlider"), PatienceMs);
+}
+
+void PlayingTest::volumeSliderSendsAValueOnce()
+{
+    QVERIFY(probe().tap("volumeBox"));
+    QTRY_VERIFY_WITH_TIMEOUT(probe().shows("volumeSlider"), PatienceMs);
+    const QRectF slider = probe().area("volumeSlider");
+    const QPointF middle = slider.center();
+    // The handle's middle is at the middle of the range: 0 to the soft limit of 80.
+    QVERIFY(probe().press(middle));
+    QVERIFY(probe().move(middle + QPointF(40, 0)));
+    QVERIFY(probe().move(middle + QPointF(80, 0)));
+    QVERIFY(probe().release(middle + QPointF(80, 0)));
+    QTRY_VERIFY_WITH_TIMEOUT(!m_appliance.commands().isEmpty(), PatienceMs);
+    QVERIFY(m_appliance.handled());
+    const QList<QByteArray> commands = m_appliance.commands();
+    const QRegularExpression form(
+        R"(^\{"command":"set_volume","how":"absolute","value":([0-9]+\.[0-9]),"zone_id":"z1"\}$)");
+    for (const QByteArray &command : commands)
+        QVERIFY2(form.match(command).hasMatch(), command);
+    for (int i = 1; i < commands.size(); ++i)
+        QVERIFY(commands.at(i) != commands.at(i - 1));
+    // A command does not change what is shown; the zone does.
+    QCOMPARE(probe().property("currentText", "text"), QJsonValue("40"));
+
+    // The same place again is the same value again, and that is not sent twice in a row.
+    m_appliance.services.clear();
+    QVERIFY(probe().tap(middle + QPointF(80, 0)));
+    QVERIFY(m_appliance.handled());
+    QCOMPARE(m_appliance.commands(), QList<QByteArray>());
+    QVERIFY(probe().tap(QPointF(5, 240)));
+    QTRY_VERIFY_WITH_TIMEOUT(!probe().shows("volumeSlider"), PatienceMs);
+}
+
+void PlayingTest::volumeDialogClosesBesideATouch()
+{
+    QVERIFY(probe().tap("volumeBox"));
+    QTRY_VERIFY_WITH_TIMEOUT(probe().shows("volumeSlider"), PatienceMs);
+    QVERIFY(probe().tap("cover")); // lies under the dialog's rim: the touch only closes it
+    QTRY_VERIFY_WITH_TIMEOUT(!probe().shows("volumeSlider"), PatienceMs);
+    QVERIFY(m_appliance.handled());
+    QVERIFY(probe().shows("RoonPlayerWindow2"));
+}
+
+void PlayingTest::aZoneIsChosenFromTheList()
+{
+    m_appliance.publishZones(R"([{"id":"z2","name":"Wohnk)"
+                             "\xc3\xbc"
+                             R"(che"},{"id":"z1","name":"Kitchen"}])");
+    m_appliance.services.publish("Velunor/Controller/remote_control/v4/roon/Zones/z2/name",
+        "Wohnk\xc3\xbc"
+        "che",
+        true);
+    QVERIFY(m_appliance.handled());
+    QVERIFY(probe().tap("zoneNameText"));
+    QTRY_VERIFY_WITH_TIMEOUT(probe().shows("zoneList"), PatienceMs);
+    QCOMPARE(probe().property("zoneListHeader", "text"), QJsonValue("Available Zones (2)"));
+    QVERIFY(probe().tap(Probe::Target::text(QString::fromUtf8("Wohnk\xc3\xbc"
+                                                              "che"))));
+    QVERIFY(m_appliance.services.waitFor(ZoneTopic,
+        "Wohnk\xc3\xbc"
+        "che"));
+    QVERIFY(m_appliance.broker.waitForLine(QRegularExpression(QStringLiteral(
+        "^Received PUBLISH from \\S+ \\(d0, q1, r1, m\\d+, '%1', \\.\\.\\. \\(10 bytes\\)\\)$")
+                                                                  .arg(ZoneTopic))));
+    QTRY_VERIFY_WITH_TIMEOUT(!probe().shows("zoneList"), PatienceMs);
+
+    QVERIFY(m_appliance.handled());
+    QVERIFY(probe().tap("zoneNameText"));
+    QTRY_VERIFY_WITH_TIMEOUT(probe().shows("zoneList"), PatienceMs);
+    QVERIFY(probe().tap(Probe::Target::text("Kitchen").inside("zoneList")));
+    QVERIFY(m_appliance.services.waitFor(ZoneTopic, "Kitchen"));
+    QTRY_VERIFY_WITH_TIMEOUT(!probe().shows("zoneList"), PatienceMs);
+}
+
+void PlayingTest::anUpdateIsAskedForAtTheWebService()
+{
+    ApiServer webService;
+    QVERIFY(webService.start());
+    QVERIFY(!probe().shows("updateBadge"));
+    m_appliance.publishState("UpdateAvailable", "true");
+    QVERIFY(m_appliance.handled());
+    QVERIFY(probe().shows("updateBadge"));
+    QVERIFY(probe().tap("updateBadge"));
+    QTRY_COMPARE_WITH_TIMEOUT(webService.requests().size(), 1, PatienceMs);
+    QCOMPARE(
+        webService.requests().first().line, QByteArray("POST /api/install_update_v1 HTTP/1.1"));
+    QCOMPARE(webService.requests().first().body, QByteArray());
+    QVERIFY(
+        m_appliance.program.waitForLine(Line::info("ApiClient::onFinish() received reply for: "
+                                                   "http://127.0.0.1:8080/api/install_update_v1"),
+            m_firstLine));
+    QCOMPARE(m_appliance.program.count(Line::info("Player::installUpdate()"), m_firstLine), 1);
+    QCOMPARE(m_appliance.program.count(Line::info("ApiClient::installUpdate()"), m_firstLine), 1);
+    QCOMPARE(m_appliance.commands(), QList<QByteArray>());
+    m_appliance.publishState("UpdateAvailable", "false");
+    QVERIFY(m_appliance.handled());
+    QVERIFY(!probe().shows("updateBadge"));
+}
+
+void PlayingTest::aMissingWebServiceIsLogged()
+{
+    m_appliance.publishState("UpdateAvailable", "true");
+    QVERIFY(m_appliance.handled());
+    QVERIFY(probe().tap("updateBadge"));
+    QVERIFY(probe().tap("updateBadge"));
+    const LogPattern refused
+        = Line::critical("ApiClient::onFinish() something went wrong: ConnectionRefusedError");
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance.program.count(refused, m_firstLine), 2, PatienceMs);
+    m_appliance.publishState("UpdateAvailable", "false");
+    QVERIFY(m_appliance.handled());
+}
+
+bool PlayingTest::zoneIs(const ZoneValues &values)
+{
+    for (const auto &value : values)
+        m_appliance.publishZone(value.first, value.second);
+    return m_appliance.handled();
+}
+
+bool PlayingTest::onlyCommandIs(const QByteArray &command)
+{
+    return m_appliance.services.waitFor(CommandTopic, command) && m_appliance.handled()
+        && m_appliance.commands() == QList<QByteArray> { command };
+}
+
+QTEST_GUILESS_MAIN(PlayingTest)
+#include "tst_playing.moc"
