@@ -44,6 +44,13 @@ HttpService::HttpService(QObject *parent)
     connect(&m_server, &QTcpServer::newConnection, this, &HttpService::accept);
 }
 
+HttpService::~HttpService()
+{
+    // The sockets go after the buffers and must not report to them any more.
+    for (auto it = m_buffers.keyBegin(); it != m_buffers.keyEnd(); ++it)
+        (*it)->disconnect(this);
+}
+
 bool HttpService::listen(quint16 port)
 {
     return m_server.listen(QHostAddress::LocalHost, port);
@@ -84,7 +91,7 @@ void HttpService::receive(QTcpSocket *socket)
         if (headEnd < 0 || buffer.size() < headEnd + 4 + bodyLength)
             return;
         buffer.remove(0, headEnd + 4 + bodyLength);
-        const QList<QByteArray> words = head.left(head.indexOf('\r')).split(' ');
+        const QList<QByteArray> words = head.split('\r').first().split(' ');
         answer(words.value(0), words.value(1), socket);
     }
 }

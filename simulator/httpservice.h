@@ -16,6 +16,8 @@ class HttpService : public QObject {
 
 public:
     explicit HttpService(QObject *parent = nullptr);
+    /** Closes all connections. */
+    ~HttpService() override;
 
     /** Port 0 takes any free one.  False, with errorText() set, when it cannot be had. */
     bool listen(quint16 port);

@@ -103,9 +103,12 @@ bool RemoteControlService::setPresent(const QString &name, bool present)
 bool RemoteControlService::rename(const QString &name, const QString &newName)
 {
     ZoneSimulation *const found = zone(name);
-    if (!found || newName.isEmpty() || zone(newName))
+    if (!found)
         return false;
-    found->rename(newName);
+    const QString wanted = newName.isEmpty() ? found->firstName() : newName;
+    if (wanted != found->ownName() && zone(wanted))
+        return false;
+    found->rename(wanted);
     ZoneSimulation *const leader = m_status.value(found).leader;
     if (leader) { // the group carries the follower's name too
         QStringList names;

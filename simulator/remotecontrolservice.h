@@ -38,6 +38,7 @@ public:
     void setConnected(bool connected);
     /** A zone that is switched off is not in the list and does not play. */
     bool setPresent(const QString &name, bool present);
+    /** An empty new name stands for the zone's first one; false when another zone has the name. */
     bool rename(const QString &name, const QString &newName);
     /** The first plays, the others follow; at least two, none twice. */
     bool group(const QStringList &names);

@@ -8,21 +8,6 @@ namespace {
 constexpr int ClockMs = 1000;      // of simulated time
 constexpr int ShortestTickMs = 10; // of real time
 
-/** Every zone begins with something to play: the first with everything, the others with an album.
- */
-void fillQueues(RemoteControlService *remote)
-{
-    QVector<const Album *> music;
-    for (const Album &album : Library::albums()) {
-        if (!album.radio)
-            music.append(&album);
-    }
-    remote->mainZone()->setQueue(music);
-    const QVector<ZoneDescription> &zones = Library::zones();
-    for (int i = 1; i < zones.size(); ++i)
-        remote->zone(zones.at(i).name)->setQueue({ music.at(i % music.size()) });
-}
-
 /** Bytes from outside as one line. */
 QString oneLine(const QByteArray &bytes)
 {
@@ -51,7 +36,7 @@ Simulator::Simulator(const Options &options, const Scenario &scenario, QObject *
     connect(&m_remote, &RemoteControlService::publish, &m_link, &ApplianceLink::publish);
     connect(&m_state, &StateService::publish, &m_link, &ApplianceLink::publish);
     connect(&m_disturbance, &Disturbance::publish, &m_link, &ApplianceLink::publish);
-    connect(&m_player, &ScenarioPlayer::message, &m_link, &ApplianceLink::publish);
+    connect(&m_player, &ScenarioPlayer::message, this, &Simulator::publishFromScenario);
     connect(&m_player, &ScenarioPlayer::action, this, &Simulator::run);
     connect(&m_player, &ScenarioPlayer::finished, this,
         [this] { tell(QStringLiteral("scenario: at its end, everything goes on")); });
@@ -91,6 +76,19 @@ Simulator::Simulator(const Options &options, const Scenario &scenario, QObject *
         [this] { m_remote.advance(qRound(m_clock.interval() * m_options.speed)); });
 }
 
+void Simulator::fillQueues(RemoteControlService *remote)
+{
+    QVector<const Album *> music;
+    for (const Album &album : Library::albums()) {
+        if (!album.radio)
+            music.append(&album);
+    }
+    remote->mainZone()->setQueue(music);
+    const QVector<ZoneDescription> &zones = Library::zones();
+    for (int i = 1; i < zones.size(); ++i)
+        remote->zone(zones.at(i).name)->setQueue({ music.at(i % music.size()) });
+}
+
 bool Simulator::start(QString *problem)
 {
     if (!m_images.listen(m_options.imagePort)) {
@@ -107,10 +105,15 @@ bool Simulator::start(QString *problem)
     }
     tell(QStringLiteral("image: serving at %1").arg(m_images.address()));
     tell(QStringLiteral("web: serving at 127.0.0.1:%1").arg(m_web.port()));
-    // What the scenario begins with is there from the first message on.
+    // What the scenario begins with is true from the first message on, and its own messages replace
+    // what the services say.
     m_player.prepare();
     m_state.start();
     m_remote.start(m_images.address());
+    m_started = true;
+    for (const Scenario::Step &step : qAsConst(m_early))
+        publishFromScenario(step.topic, step.payload, step.retain);
+    m_early.clear();
     m_link.connectToBroker();
     return true;
 }
@@ -132,6 +135,19 @@ void Simulator::run(const Action &action)
         tell(QStringLiteral("action: %1").arg(action.name));
     else
         tell(QStringLiteral("action: %1: refused: %2").arg(action.name, reason));
+}
+
+void Simulator::publishFromScenario(const QString &topic, const QByteArray &payload, bool retain)
+{
+    if (m_started) {
+        m_link.publish(topic, payload, retain);
+        return;
+    }
+    Scenario::Step step;
+    step.topic = topic;
+    step.payload = payload;
+    step.retain = retain;
+    m_early.append(step);
 }
 
 void Simulator::obey(const QByteArray &payload)

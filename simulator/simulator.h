@@ -28,6 +28,11 @@ public:
     /** Leaves the broker; what was published stays there, as after a service's end. */
     void stop();
 
+    /**
+     * Gives every zone something to play: the first one all music, the others an album each.
+     */
+    static void fillQueues(RemoteControlService *remote);
+
 signals:
     /** The simulation is over, with this exit status. */
     void ended(int status);
@@ -37,6 +42,7 @@ signals:
 private:
     void tell(const QString &line);
     void run(const Action &action);
+    void publishFromScenario(const QString &topic, const QByteArray &payload, bool retain);
     void obey(const QByteArray &payload);
     void takeFault(const QByteArray &payload);
     void updateClock();
@@ -50,6 +56,8 @@ private:
     ActionRunner m_actions;
     ScenarioPlayer m_player;
     ApplianceLink m_link;
-    QTimer m_clock; ///< runs only while something plays
+    QTimer m_clock;                  ///< runs only while something plays
+    QVector<Scenario::Step> m_early; ///< messages for after the services' first ones
+    bool m_started = false;
     bool m_begun = false;
 };

@@ -32,6 +32,7 @@ ZoneSimulation::ZoneSimulation(
     const ZoneDescription &description, QRandomGenerator *random, QObject *parent)
     : QObject(parent)
     , m_description(description)
+    , m_firstName(description.name)
     , m_random(random)
     , m_loop(QStringLiteral("disabled"))
     , m_volume(description.volume.start)

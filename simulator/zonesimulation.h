@@ -33,6 +33,8 @@ public:
     QString id() const { return m_description.id; }
     /** The display name, without any other zone that is grouped with it. */
     QString ownName() const { return m_description.name; }
+    /** The own name before any renaming. */
+    QString firstName() const { return m_firstName; }
     /** The published name: of a group, the members' names joined by " + ". */
     QString name() const;
     bool isPlaying() const { return m_state == State::Playing; }
@@ -104,6 +106,7 @@ private:
     void reportChanges();
 
     ZoneDescription m_description;
+    QString m_firstName;
     QRandomGenerator *m_random;
     QStringList m_followers;
     QVector<Entry> m_queue;

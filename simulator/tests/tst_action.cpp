@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "action.h"
+
+#include <QTest>
+
+class ActionTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void wordsAndJsonMeanTheSame_data();
+    void wordsAndJsonMeanTheSame();
+    void malformedTellsWhatWasExpected_data();
+    void malformedTellsWhatWasExpected();
+    void overviewNamesEveryAction();
+};
+
+void ActionTest::wordsAndJsonMeanTheSame_data()
+{
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<QString>("json");
+    const auto row = [](const char *words, const char *json) {
+        QTest::newRow(words) << QString::fromLatin1(words) << QString::fromLatin1(json);
+    };
+    row("core_lost", R"({"action":"core_lost"})");
+    row("  core_lost ", R"({"action":"core_lost"})");
+    row("image mode=slow ms=3000", R"({"action":"image","mode":"slow","ms":3000})");
+    row("volume value=-12.5 zone=Kitchen", R"({"action":"volume","value":-12.5,"zone":"Kitchen"})");
+    row("shuffle on=true", R"({"action":"shuffle","on":true})");
+    row("rename zone=\"Living Room\" name=\"A = B\"",
+        R"({"action":"rename","zone":"Living Room","name":"A = B"})");
+    row("group zones=Kitchen,Bath", R"({"action":"group","zones":["Kitchen","Bath"]})");
+}
+
+void ActionTest::wordsAndJsonMeanTheSame()
+{
+    QFETCH(QString, words);
+    QFETCH(QString, json);
+    Action fromWords;
+    Action fromJson;
+    QString problem;
+    QVERIFY2(Action::fromText(words, &fromWords, &problem), qPrintable(problem));
+    QVERIFY2(Action::fromText(json, &fromJson, &problem), qPrintable(problem));
+    QCOMPARE(fromWords.name, fromJson.name);
+    QCOMPARE(fromWords.arguments, fromJson.arguments);
+}
+
+void ActionTest::malformedTellsWhatWasExpected_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("found");
+    const auto row = [](const char *line, const char *found) {
+        QTest::newRow(line) << QString::fromLatin1(line) << QString::fromLatin1(found);
+    };
+    row("", "found \"\"");
+    row("explode", "found \"explode\"");
+    row("core_lost now", "found \"now\"");
+    row("image", "found none");
+    row("image mode=slow ms=soon", "found \"ms=soon\"");
+    row("image mode=slow hue=red", "found \"hue\"");
+    row("shuffle on=perhaps", "found \"on=perhaps\"");
+    row("image mode", "found \"mode\"");
+    row("{", "expected a JSON object");
+    row("{}", "\"action\"");
+    row(R"({"action":7})", "\"action\"");
+    row(R"({"action":"image","mode":7})", "found 7");
+    row(R"({"action":"image","mode":"slow","ms":1.5})", "found 1.5");
+    row(R"({"action":"group","zones":"Kitchen"})", "found \"Kitchen\"");
+    row(R"({"action":"group","zones":[7]})", "found [7]");
+}
+
+void ActionTest::malformedTellsWhatWasExpected()
+{
+    QFETCH(QString, line);
+    QFETCH(QString, found);
+    Action action;
+    QString problem;
+    QVERIFY(!Action::fromText(line, &action, &problem));
+    QVERIFY2(problem.contains(QLatin1String("expected")), qPrintable(problem));
+    QVERIFY2(problem.contains(found), qPrintable(problem));
+    QVERIFY(action.name.isEmpty());
+}
+
+void ActionTest::overviewNamesEveryAction()
+{
+    const QStringList lines = Action::overview().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QVERIFY(lines.size() > 20);
+    QVERIFY(lines.filter(QStringLiteral("image mode=… [ms=…]")).size() == 1);
+}
+
+QTEST_GUILESS_MAIN(ActionTest)
+#include "tst_action.moc"

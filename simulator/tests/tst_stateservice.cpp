@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stateservice.h"
+
+#include "topics.h"
+
+#include <QByteArrayList>
+#include <QHash>
+#include <QTest>
+
+/** What subscribers would know: the last payload of every topic. */
+class StateServiceTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void publishesStateAndSettingsRetained();
+    void updateGoesThroughItsStages();
+    void updateIsRefusedWithoutAnyOffer();
+    void updateIsRefusedWhileHeldBack();
+    void nothingBeforeTheStart();
+};
+
+void StateServiceTest::publishesStateAndSettingsRetained()
+{
+    StateService service(1);
+    QHash<QString, QByteArray> broker;
+    connect(&service, &StateService::publish, this,
+        [&broker](const QString &topic, const QByteArray &payload, bool retain) {
+            QVERIFY(retain);
+            QVERIFY(!payload.isEmpty());
+            broker[topic] = payload;
+        });
+    service.start();
+    QCOMPARE(broker.value(Topics::state("UpdateAvailable")), QByteArray("false"));
+    QCOMPARE(broker.value(Topics::state("WebIfaceIsUp")), QByteArray("true"));
+    QCOMPARE(broker.value(Topics::settings("touchscreen_scrolling")), QByteArray("true"));
+    QCOMPARE(broker.value(Topics::settings("touchscreen_screensaver_time")), QByteArray("10"));
+}
+
+void StateServiceTest::updateGoesThroughItsStages()
+{
+    StateService service(1000);
+    QHash<QString, QByteArray> broker;
+    QByteArrayList reboot;
+    QStringList told;
+    connect(&service, &StateService::publish, this,
+        [&broker, &reboot](const QString &topic, const QByteArray &payload) {
+            broker[topic] = payload;
+            if (topic == Topics::state("RequireReboot"))
+                reboot.append(payload);
+        });
+    connect(
+        &service, &StateService::told, this, [&told](const QString &line) { told.append(line); });
+    service.start();
+    service.offerUpdate(QStringLiteral("2.0"));
+    QCOMPARE(broker.value(Topics::state("UpdateAvailable")), QByteArray("true"));
+    QCOMPARE(broker.value(Topics::state("UpdateInfo")), QByteArray("2.0"));
+    QString reason;
+    QVERIFY(service.installUpdate(&reason));
+    QCOMPARE(broker.value(Topics::state("UpdateInstalling")), QByteArray("true"));
+    QVERIFY(!service.installUpdate(&reason));
+    QTRY_VERIFY(!service.isInstalling());
+    QCOMPARE(told,
+        QStringList({ QStringLiteral("update: installing"), QStringLiteral("update: rebooting"),
+            QStringLiteral("update: starting"), QStringLiteral("update: done") }));
+    QCOMPARE(broker.value(Topics::state("UpdateInstalling")), QByteArray("false"));
+    QCOMPARE(broker.value(Topics::state("UpdateAvailable")), QByteArray("false"));
+    QCOMPARE(reboot, QByteArrayList({ "false", "true", "false" }));
+    QCOMPARE(broker.value(Topics::state("WebIfaceIsUp")), QByteArray("true"));
+}
+
+void StateServiceTest::updateIsRefusedWithoutAnyOffer()
+{
+    StateService service(1);
+    QString reason;
+    QVERIFY(!service.installUpdate(&reason));
+    QVERIFY(!reason.isEmpty());
+    service.offerUpdate(QStringLiteral("2.0"));
+    service.offerUpdate(QString());
+    QVERIFY(!service.installUpdate(&reason));
+    QVERIFY(!service.isInstalling());
+}
+
+void StateServiceTest::updateIsRefusedWhileHeldBack()
+{
+    StateService service(1);
+    service.offerUpdate(QStringLiteral("2.0"));
+    service.inhibitUpdates(QStringLiteral("a backup runs"));
+    QString reason;
+    QVERIFY(!service.installUpdate(&reason));
+    QVERIFY(reason.contains(QLatin1String("a backup runs")));
+    service.inhibitUpdates(QString());
+    QVERIFY(service.installUpdate(&reason));
+}
+
+void StateServiceTest::nothingBeforeTheStart()
+{
+    StateService service(1);
+    int published = 0;
+    connect(&service, &StateService::publish, this, [&published] { ++published; });
+    service.offerUpdate(QStringLiteral("2.0"));
+    QCOMPARE(published, 0);
+}
+
+QTEST_GUILESS_MAIN(StateServiceTest)
+#include "tst_stateservice.moc"
