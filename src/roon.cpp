@@ -5,6 +5,7 @@
 #include <QHostAddress>
 #include <QHostInfo>
 #include <QNetworkInterface>
+#include <QThread>
 
 #include <algorithm>
 
@@ -17,6 +18,7 @@ Roon *Roon::instance()
 Roon::Roon(QObject *parent)
     : QObject(parent)
 {
+    qDebug().noquote().nospace() << "Roon::constructor in thread " << QThread::currentThreadId();
 }
 
 void Roon::setCoreDetected(bool detected)

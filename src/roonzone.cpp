@@ -6,10 +6,13 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QThread>
 
 RoonZone::RoonZone(const QString &id)
     : m_id(id)
 {
+    qDebug().noquote().nospace() << "RoonZone::constructor in thread "
+                                 << QThread::currentThreadId();
 }
 
 void RoonZone::setId(const QString &value)

@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QThread>
 
 #include <algorithm>
 
@@ -17,6 +18,8 @@ RoonZones *RoonZones::instance()
 RoonZones::RoonZones(QObject *parent)
     : QObject(parent)
 {
+    qDebug().noquote().nospace() << "RoonZones::constructor in thread "
+                                 << QThread::currentThreadId();
 }
 
 RoonZones::~RoonZones()

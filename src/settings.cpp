@@ -3,6 +3,7 @@
 
 #include <QDebug>
 #include <QMap>
+#include <QThread>
 
 namespace {
 
@@ -46,6 +47,8 @@ Settings::Settings(const QString &directory, QObject *parent)
     : QObject(parent)
     , m_file(directory + QStringLiteral("/velunor-touch.ini"), QSettings::IniFormat)
 {
+    qDebug().noquote().nospace() << "Settings::constructor in thread "
+                                 << QThread::currentThreadId();
     qDebug().noquote().nospace() << "Settings: reading from: " << m_file.fileName();
     m_brightness = m_savedBrightness = read(brightnessKey(), DefaultBrightness);
     m_clockBrightness = m_savedClockBrightness = read(clockBrightnessKey(), DefaultBrightness);

@@ -4,6 +4,7 @@
 
 #include <QDebug>
 #include <QSocketNotifier>
+#include <QThread>
 
 #include <cerrno>
 #include <csignal>
@@ -82,6 +83,8 @@ UnixSignalWatcher::UnixSignalWatcher(QObject *parent)
     : QObject(parent)
     , d_ptr(new UnixSignalWatcherPrivate(this))
 {
+    qDebug().noquote().nospace() << "UnixSignalWatcher::constructor in thread "
+                                 << QThread::currentThreadId();
 }
 
 UnixSignalWatcher::~UnixSignalWatcher()

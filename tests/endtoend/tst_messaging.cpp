@@ -390,10 +390,12 @@ void MessagingTest::oddInputGetsItsLogLine()
 
     lines.prepend(QStringLiteral("DEBUG Mqtt::processMessageApi() receiving msg ") + topic);
     QStringList logged;
+    const QString constructed = QStringLiteral("::constructor in thread ");
     const QRegularExpression levels(
         QStringLiteral("^(DEBUG Mqtt::processMessageApi\\(\\) receiving Roon zones update ).*"));
     for (const LogLine &line : program.log().mid(before, program.position(end, before) - before)) {
-        if (!Ping.matches(line))
+        // A message may be the first to need an object.
+        if (!Ping.matches(line) && !line.withoutPlace().contains(constructed))
             logged.append(line.withoutPlace().replace(levels, QStringLiteral("\\1LEVELS")));
     }
     QCOMPARE(logged, lines);

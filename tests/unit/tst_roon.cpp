@@ -15,6 +15,7 @@ private slots:
     void cleanup() { m_log.reset(); }
 
     void metaObjectIsTheInterface();
+    void constructorLogsItsLine();
     void startsEmpty();
     void detectionNotifiesOnEveryWrite();
     void textsAreStoredSilently_data();
@@ -37,6 +38,12 @@ void TestRoon::metaObjectIsTheInterface()
             "QString ipAddress read constant", "QString localHostName read constant" }));
     QCOMPARE(methodTable(meta), QStringList({ "public signal coreDetectionChanged()" }));
     QCOMPARE(enumeratorTable(meta), QStringList());
+}
+
+void TestRoon::constructorLogsItsLine()
+{
+    const Roon roon;
+    QCOMPARE(m_log->take(), QStringList({ constructorLine(QStringLiteral("Roon")) }));
 }
 
 void TestRoon::startsEmpty()
@@ -75,6 +82,7 @@ void TestRoon::textsAreStoredSilently()
     QFETCH(QByteArray, property);
     Roon roon;
     QSignalSpy changed(&roon, &Roon::coreDetectionChanged);
+    m_log->clear();
     for (const QString &text : { QString(), QStringLiteral("Küche"), QStringLiteral("Küche"),
              QStringLiteral("other"), QString() }) {
         QVERIFY(roon.setProperty(property, text));
