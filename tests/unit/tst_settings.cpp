@@ -1,0 +1,585 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "logcapture.h"
+#include "metatable.h"
+#include "samplevalue.h"
+#include "settings.h"
+
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+class TestSettings : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void metaObjectIsTheInterface();
+    void fileIsInTheDataDirectory();
+    void startsWithTheDefaults();
+    void readsTheFile();
+    void damagedFileGivesDefaults_data();
+    void damagedFileGivesDefaults();
+    void fileThatCannotBeOpenedGivesDefaults();
+
+    void notifiesOnlyOnChange_data();
+    void notifiesOnlyOnChange();
+    void screenSaverTimeNotifiesOnEveryWrite();
+    void defaultPlayerScreenIsOnlyStored();
+    void settersDoNotWriteTheFile();
+
+    void colorNames_data();
+    void colorNames();
+    void equalColorDoesNotNotify();
+    void customColorNotifiesOnEveryWrite();
+    void customColorShowsOnlyWhenChosen();
+    void customColorIsTakenAsItStands();
+
+    void saveWritesTheTwoBrightnessValues();
+    void saveLeavesOtherKeys();
+    void saveLogsTheValues();
+    void saveMakesAMissingDirectory();
+    void saveIntoAnUnusableDirectoryIsSilent();
+    void revertGoesBackToTheStart();
+    void revertComesBackToTheFileAsItWasBeforeASave();
+    void revertLeavesOtherSettings();
+    void revertOfUnchangedValuesIsSilent();
+    void instanceIsOneObject();
+
+private:
+    QString fileName() const { return m_directory->filePath(QStringLiteral("velunor-touch.ini")); }
+    void write(const QByteArray &text) const;
+    QByteArray text() const;
+    QVariant stored(const QString &key) const;
+
+    std::unique_ptr<LogCapture> m_log;
+    std::unique_ptr<QTemporaryDir> m_directory;
+};
+
+void TestSettings::init()
+{
+    m_log.reset(new LogCapture);
+    m_directory.reset(new QTemporaryDir);
+    QVERIFY(m_directory->isValid());
+}
+
+void TestSettings::cleanup()
+{
+    m_directory.reset();
+    m_log.reset();
+}
+
+void TestSettings::write(const QByteArray &text) const
+{
+    QFile file(fileName());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(text), static_cast<qint64>(text.size()));
+}
+
+QByteArray TestSettings::text() const
+{
+    QFile file(fileName());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QVariant TestSettings::stored(const QString &key) const
+{
+    return QSettings(fileName(), QSettings::IniFormat).value(key);
+}
+
+void TestSettings::metaObjectIsTheInterface()
+{
+    const QMetaObject &meta = Settings::staticMetaObject;
+    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
+    QCOMPARE(propertyTable(meta),
+        QStringList({ "uint brightness read write lcdBrightnessChanged(uint)",
+            "uint clockBrightness read write lcdClockBrightnessChanged(uint)",
+            "QString clockColor read write lcdClockColorChanged(QString)",
+            "QString customClockColor read write",
+            "QString clockColorRGB read lcdClockColorChanged(QString)",
+            "bool timeFormat read write timeFormatChanged(bool)",
+            "bool scrolling read write scrollingChanged(bool)",
+            "bool blankScreen read write blankScreenChanged(bool)",
+            "uint defaultPlayerScreen read write",
+            "uint screenSaverTime read write screenSaverTimeChanged(uint)",
+            "bool hidePowerButton read write hidePowerButtonChanged(bool)",
+            "bool hideOptionsButtons read write hideOptionsButtonsChanged(bool)",
+            "bool ShowBlurBackground read write showBlurBackgroundChanged(bool)" }));
+    QCOMPARE(methodTable(meta),
+        QStringList({ "public signal lcdBrightnessChanged(uint)",
+            "public signal lcdClockBrightnessChanged(uint)",
+            "public signal lcdClockColorChanged(QString)", "public signal timeFormatChanged(bool)",
+            "public signal scrollingChanged(bool)", "public signal blankScreenChanged(bool)",
+            "public signal screenSaverTimeChanged(uint)",
+            "public signal hidePowerButtonChanged(bool)",
+            "public signal hideOptionsButtonsChanged(bool)",
+            "public signal showBlurBackgroundChanged(bool)", "public slot save()",
+            "public slot revert()" }));
+    QCOMPARE(enumeratorTable(meta), QStringList());
+}
+
+void TestSettings::fileIsInTheDataDirectory()
+{
+    {
+        const Settings settings;
+        QCOMPARE(m_log->take(),
+            QStringList({ constructorLine(QStringLiteral("Settings")),
+                "debug: Settings: reading from: /data/velunor-touch.ini" }));
+    }
+    const Settings settings(m_directory->path());
+    QCOMPARE(m_log->take().last(), "debug: Settings: reading from: " + fileName());
+}
+
+void TestSettings::startsWithTheDefaults()
+{
+    const Settings settings(m_directory->path());
+    QVERIFY(!settings.parent());
+    QCOMPARE(settings.brightness(), 150u);
+    QCOMPARE(settings.clockBrightness(), 150u);
+    QCOMPARE(settings.clockColor(), QStringLiteral("grey"));
+    QCOMPARE(settings.customClockColor(), QStringLiteral("#545050"));
+    QCOMPARE(settings.clockColorRGB(), QStringLiteral("#545050"));
+    QCOMPARE(settings.timeFormat(), true);
+    QCOMPARE(settings.scrolling(), true);
+    QCOMPARE(settings.blankScreen(), false);
+    QCOMPARE(settings.defaultPlayerScreen(), 11u);
+    QCOMPARE(settings.screenSaverTime(), 10u);
+    QCOMPARE(settings.hidePowerButton(), false);
+    QCOMPARE(settings.hideOptionsButtons(), false);
+    QCOMPARE(settings.showBlurBackground(), true);
+    QVERIFY(!QFile::exists(fileName())); // reading makes no file
+}
+
+void TestSettings::readsTheFile()
+{
+    write("[LCD]\nBrightness=80\nClockBrightness=20\nDefaultPlayerScreen=12\n"
+          "ScreenSaverTime=3\nclockColor=blue\n");
+    const Settings settings(m_directory->path());
+    QCOMPARE(settings.brightness(), 80u);
+    QCOMPARE(settings.clockBrightness(), 20u);
+    QCOMPARE(settings.defaultPlayerScreen(), 12u);
+    QCOMPARE(settings.screenSaverTime(), 10u); // not a setting of the file
+    QCOMPARE(settings.clockColor(), QStringLiteral("grey"));
+}
+
+void TestSettings::damagedFileGivesDefaults_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<uint>("brightness");
+    QTest::addColumn<uint>("clockBrightness");
+    QTest::addColumn<uint>("playerScreen");
+    QTest::newRow("empty") << QByteArray() << 150u << 150u << 11u;
+    QTest::newRow("other group only")
+        << QByteArray("[Other]\nBrightness=80\n") << 150u << 150u << 11u;
+    QTest::newRow("no group") << QByteArray("Brightness=80\nClockBrightness=80\n") << 150u << 150u
+                              << 11u;
+    QTest::newRow("one key") << QByteArray("[LCD]\nClockBrightness=20\n") << 150u << 20u << 11u;
+    QTest::newRow("zero") << QByteArray("[LCD]\nBrightness=0\nClockBrightness=0\n") << 0u << 0u
+                          << 11u;
+    QTest::newRow("large") << QByteArray("[LCD]\nBrightness=300\nClockBrightness=4294967295\n")
+                           << 300u << 4294967295u << 11u;
+    QTest::newRow("too large") << QByteArray("[LCD]\nBrightness=4294967296\n") << 150u << 150u
+                               << 11u;
+    QTest::newRow("negative") << QByteArray(
+        "[LCD]\nBrightness=-1\nClockBrightness=-80\nDefaultPlayerScreen=-1\n")
+                              << 150u << 150u << 11u;
+    QTest::newRow("text") << QByteArray(
+        "[LCD]\nBrightness=bright\nClockBrightness=80x\nDefaultPlayerScreen=player\n")
+                          << 150u << 150u << 11u;
+    QTest::newRow("nothing") << QByteArray("[LCD]\nBrightness=\nClockBrightness=\"\"\n") << 150u
+                             << 150u << 11u;
+    QTest::newRow("fraction") << QByteArray("[LCD]\nBrightness=80.5\n") << 150u << 150u << 11u;
+    QTest::newRow("list") << QByteArray("[LCD]\nBrightness=80, 90\n") << 150u << 150u << 11u;
+    QTest::newRow("quoted") << QByteArray("[LCD]\nBrightness=\"80\"\n") << 80u << 150u << 11u;
+    QTest::newRow("twice") << QByteArray("[LCD]\nBrightness=80\nBrightness=90\n") << 90u << 150u
+                           << 11u;
+    QTest::newRow("cut off") << QByteArray("[LCD]\nBrightness=80\nClockBri") << 80u << 150u << 11u;
+    QTest::newRow("binary") << QByteArray("\0\xff\xfe[LCD\n=\n]]\n\0", 14) << 150u << 150u << 11u;
+}
+
+void TestSettings::damagedFileGivesDefaults()
+{
+    QFETCH(QByteArray, content);
+    write(content);
+    const Settings settings(m_directory->path());
+    QTEST(settings.brightness(), "brightness");
+    QTEST(settings.clockBrightness(), "clockBrightness");
+    QTEST(settings.defaultPlayerScreen(), "playerScreen");
+    QCOMPARE(m_log->take().size(), 2); // the constructor's own lines, no complaint
+    QCOMPARE(text(), content);
+}
+
+void TestSettings::fileThatCannotBeOpenedGivesDefaults()
+{
+    QVERIFY(QDir(m_directory->path()).mkdir(QStringLiteral("velunor-touch.ini")));
+    const Settings settings(m_directory->path());
+    QCOMPARE(settings.brightness(), 150u);
+    QCOMPARE(settings.clockBrightness(), 150u);
+    QCOMPARE(settings.defaultPlayerScreen(), 11u);
+    QCOMPARE(m_log->take().size(), 2);
+}
+
+void TestSettings::notifiesOnlyOnChange_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("brightness") << QByteArray("brightness") << QVariant(80u)
+                                << "debug: Settings::setLcdBrightness() 80";
+    QTest::newRow("brightness 0") << QByteArray("brightness") << QVariant(0u)
+                                  << "debug: Settings::setLcdBrightness() 0";
+    QTest::newRow("clockBrightness") << QByteArray("clockBrightness") << QVariant(300u)
+                                     << "debug: Settings::setLcdClockBrightness() 300";
+    QTest::newRow("clockColor") << QByteArray("clockColor") << QVariant(QStringLiteral("green"))
+                                << "debug: Settings::setLcdClockColor() green";
+    QTest::newRow("timeFormat") << QByteArray("timeFormat") << QVariant(false)
+                                << "debug: Settings::timeFormat write false";
+    QTest::newRow("scrolling") << QByteArray("scrolling") << QVariant(false)
+                               << "debug: Settings::scrolling write false";
+    QTest::newRow("blankScreen") << QByteArray("blankScreen") << QVariant(true)
+                                 << "debug: Settings::blankScreen write true";
+    QTest::newRow("hidePowerButton") << QByteArray("hidePowerButton") << QVariant(true)
+                                     << "debug: Settings::hidePowerButton write true";
+    QTest::newRow("hideOptionsButtons") << QByteArray("hideOptionsButtons") << QVariant(true)
+                                        << "debug: Settings::setHideOptionsButtons write true";
+    QTest::newRow("ShowBlurBackground") << QByteArray("ShowBlurBackground") << QVariant(false)
+                                        << "debug: Settings::setShowBlurBackground write false";
+}
+
+void TestSettings::notifiesOnlyOnChange()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QVariant, value);
+    QFETCH(QString, line);
+    Settings settings(m_directory->path());
+    m_log->clear();
+    const QMetaProperty property
+        = settings.metaObject()->property(settings.metaObject()->indexOfProperty(name.constData()));
+    const QVariant first = property.read(&settings);
+    QSignalSpy changed(&settings, property.notifySignal());
+    QVariant seen;
+    // The state is complete before the signal.
+    const QScopedPointer<QObject> probe(new QObject);
+    connect(&settings, &Settings::lcdBrightnessChanged, probe.data(),
+        [&] { seen = property.read(&settings); });
+
+    QVERIFY(property.write(&settings, first));
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(m_log->take(), QStringList());
+
+    QVERIFY(property.write(&settings, value));
+    QCOMPARE(property.read(&settings), value);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.takeFirst(), QVariantList({ value }));
+    QCOMPARE(m_log->take(), QStringList({ line }));
+    if (name == "brightness")
+        QCOMPARE(seen, value);
+
+    QVERIFY(property.write(&settings, value));
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(m_log->take(), QStringList());
+
+    QVERIFY(property.write(&settings, first));
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.takeFirst(), QVariantList({ first }));
+    m_log->clear();
+
+    // Nothing else has moved.
+    const Settings fresh(m_directory->path());
+    QVERIFY(property.write(&settings, value));
+    const QMetaObject &meta = Settings::staticMetaObject;
+    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
+        if (i == property.propertyIndex()
+            || (name == "clockColor" && i == meta.indexOfProperty("clockColorRGB")))
+            continue;
+        QCOMPARE(meta.property(i).read(&settings), meta.property(i).read(&fresh));
+    }
+}
+
+void TestSettings::screenSaverTimeNotifiesOnEveryWrite()
+{
+    Settings settings(m_directory->path());
+    m_log->clear();
+    QSignalSpy changed(&settings, &Settings::screenSaverTimeChanged);
+    for (const uint minutes : { 10u, 10u, 3u, 3u, 0u })
+        QVERIFY(settings.setProperty("screenSaverTime", minutes));
+    QCOMPARE(changed.count(), 5);
+    QCOMPARE(changed.at(0), QVariantList({ 10u }));
+    QCOMPARE(changed.at(4), QVariantList({ 0u }));
+    QCOMPARE(settings.screenSaverTime(), 0u);
+    QCOMPARE(m_log->take(), QStringList());
+}
+
+void TestSettings::defaultPlayerScreenIsOnlyStored()
+{
+    write("[LCD]\nDefaultPlayerScreen=12\n");
+    Settings settings(m_directory->path());
+    m_log->clear();
+    QVERIFY(settings.setProperty("defaultPlayerScreen", 13u));
+    QCOMPARE(settings.defaultPlayerScreen(), 13u);
+    QCOMPARE(m_log->take(), QStringList());
+    settings.save();
+    QCOMPARE(stored(QStringLiteral("LCD/DefaultPlayerScreen")).toUInt(), 12u);
+}
+
+void TestSettings::settersDoNotWriteTheFile()
+{
+    {
+        Settings settings(m_directory->path());
+        const QMetaObject &meta = Settings::staticMetaObject;
+        for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
+            if (meta.property(i).isWritable())
+                QVERIFY(meta.property(i).write(&settings, sampleValue(settings, meta.property(i))));
+        }
+    }
+    QVERIFY(!QFile::exists(fileName()));
+}
+
+void TestSettings::colorNames_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("accepted");
+    QTest::addColumn<QString>("rgb");
+    QTest::newRow("grey") << "grey"
+                          << "grey"
+                          << "#545050";
+    QTest::newRow("green") << "green"
+                           << "green"
+                           << "#5dfc0a";
+    QTest::newRow("blue") << "blue"
+                          << "blue"
+                          << "#05edff";
+    QTest::newRow("custom") << "custom"
+                            << "custom"
+                            << "#123456";
+    QTest::newRow("purple") << "purple"
+                            << "grey"
+                            << "#545050";
+    QTest::newRow("other case") << "Green"
+                                << "grey"
+                                << "#545050";
+    QTest::newRow("blank behind") << "blue "
+                                  << "grey"
+                                  << "#545050";
+    QTest::newRow("an RGB text") << "#5dfc0a"
+                                 << "grey"
+                                 << "#545050";
+    QTest::newRow("empty") << ""
+                           << "grey"
+                           << "#545050";
+}
+
+void TestSettings::colorNames()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, accepted);
+    QFETCH(QString, rgb);
+    for (const QString &before : { QStringLiteral("grey"), QStringLiteral("green"),
+             QStringLiteral("blue"), QStringLiteral("custom") }) {
+        Settings settings(m_directory->path());
+        settings.setLcdCustomClockColor(QStringLiteral("#123456"));
+        settings.setLcdClockColor(before);
+        m_log->clear();
+        QSignalSpy changed(&settings, &Settings::lcdClockColorChanged);
+        settings.setLcdClockColor(name);
+        QCOMPARE(settings.clockColor(), accepted);
+        QCOMPARE(settings.clockColorRGB(), rgb);
+        const bool expected = accepted != before;
+        QCOMPARE(changed.count(), expected ? 1 : 0);
+        if (expected)
+            QCOMPARE(changed.first(), QVariantList({ accepted }));
+        QCOMPARE(m_log->take(),
+            expected ? QStringList({ "debug: Settings::setLcdClockColor() " + accepted })
+                     : QStringList());
+    }
+}
+
+void TestSettings::equalColorDoesNotNotify()
+{
+    Settings settings(m_directory->path());
+    m_log->clear();
+    QSignalSpy changed(&settings, &Settings::lcdClockColorChanged);
+    settings.setLcdClockColor(QStringLiteral("grey"));
+    settings.setLcdClockColor(QStringLiteral("purple"));
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(m_log->take(), QStringList());
+}
+
+void TestSettings::customColorNotifiesOnEveryWrite()
+{
+    Settings settings(m_directory->path());
+    m_log->clear();
+    QSignalSpy changed(&settings, &Settings::lcdClockColorChanged);
+    QVERIFY(settings.setProperty("customClockColor", QStringLiteral("#545050")));
+    QVERIFY(settings.setProperty("customClockColor", QStringLiteral("#123456")));
+    QVERIFY(settings.setProperty("customClockColor", QStringLiteral("#123456")));
+    QCOMPARE(changed.count(), 3);
+    QCOMPARE(changed.at(0), QVariantList({ QStringLiteral("#545050") }));
+    QCOMPARE(changed.at(1), QVariantList({ QStringLiteral("#123456") }));
+    QCOMPARE(changed.at(2), QVariantList({ QStringLiteral("#123456") }));
+    QCOMPARE(m_log->take(),
+        QStringList({ "debug: Settings::setLcdCustomClockColor() #545050",
+            "debug: Settings::setLcdCustomClockColor() #123456",
+            "debug: Settings::setLcdCustomClockColor() #123456" }));
+}
+
+void TestSettings::customColorShowsOnlyWhenChosen()
+{
+    Settings settings(m_directory->path());
+    settings.setLcdCustomClockColor(QStringLiteral("#123456"));
+    QCOMPARE(settings.clockColorRGB(), QStringLiteral("#545050"));
+    settings.setLcdClockColor(QStringLiteral("custom"));
+    QCOMPARE(settings.property("clockColorRGB").toString(), QStringLiteral("#123456"));
+    settings.setLcdCustomClockColor(QStringLiteral("#654321"));
+    QCOMPARE(settings.clockColorRGB(), QStringLiteral("#654321"));
+    settings.setLcdClockColor(QStringLiteral("blue"));
+    QCOMPARE(settings.clockColorRGB(), QStringLiteral("#05edff"));
+    QCOMPARE(settings.customClockColor(), QStringLiteral("#654321"));
+}
+
+void TestSettings::customColorIsTakenAsItStands()
+{
+    Settings settings(m_directory->path());
+    settings.setLcdClockColor(QStringLiteral("custom"));
+    for (const QString &odd : { QStringLiteral("no colour"), QString(), QStringLiteral("grün") }) {
+        settings.setLcdCustomClockColor(odd);
+        QCOMPARE(settings.clockColorRGB(), odd);
+    }
+}
+
+void TestSettings::saveWritesTheTwoBrightnessValues()
+{
+    Settings settings(m_directory->path());
+    settings.setLcdBrightness(80);
+    settings.setLcdClockBrightness(20);
+    settings.setDefaultPlayerScreen(12);
+    settings.setScreenSaverTime(3);
+    settings.save();
+    QCOMPARE(text(), QByteArray("[LCD]\nBrightness=80\nClockBrightness=20\n"));
+}
+
+void TestSettings::saveLeavesOtherKeys()
+{
+    write("[LCD]\nBrightness=80\nDefaultPlayerScreen=12\nOther=kept\n\n[Network]\nname=\"a b\"\n");
+    Settings settings(m_directory->path());
+    settings.setLcdBrightness(90);
+    settings.save();
+    QCOMPARE(stored(QStringLiteral("LCD/Brightness")).toUInt(), 90u);
+    QCOMPARE(stored(QStringLiteral("LCD/ClockBrightness")).toUInt(), 150u);
+    QCOMPARE(stored(QStringLiteral("LCD/DefaultPlayerScreen")).toUInt(), 12u);
+    QCOMPARE(stored(QStringLiteral("LCD/Other")).toString(), QStringLiteral("kept"));
+    QCOMPARE(stored(QStringLiteral("Network/name")).toString(), QStringLiteral("a b"));
+    QCOMPARE(QSettings(fileName(), QSettings::IniFormat).allKeys().size(), 5);
+}
+
+void TestSettings::saveLogsTheValues()
+{
+    Settings settings(m_directory->path());
+    settings.setLcdClockBrightness(20);
+    m_log->clear();
+    QVERIFY(QMetaObject::invokeMethod(&settings, "save", Qt::DirectConnection));
+    QCOMPARE(m_log->take(),
+        QStringList({ "debug: Settings::save()", "debug: Settings::save:LCD/Brightness150",
+            "debug: Settings::save:LCD/ClockBrightness20" }));
+}
+
+void TestSettings::saveMakesAMissingDirectory()
+{
+    const QString directory = m_directory->filePath(QStringLiteral("not/there"));
+    Settings settings(directory);
+    QCOMPARE(settings.brightness(), 150u);
+    QVERIFY(!QFile::exists(directory));
+    settings.setLcdBrightness(80);
+    settings.save();
+    QCOMPARE(Settings(directory).brightness(), 80u);
+}
+
+void TestSettings::saveIntoAnUnusableDirectoryIsSilent()
+{
+    // A file where the directory should be stops root as well, unlike missing permissions.
+    const QString obstacle = m_directory->filePath(QStringLiteral("file"));
+    QFile file(obstacle);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    Settings settings(obstacle);
+    QCOMPARE(settings.brightness(), 150u);
+    settings.setLcdBrightness(80);
+    m_log->clear();
+    settings.save();
+    QCOMPARE(m_log->take().size(), 3); // save()'s own lines, no complaint
+    QCOMPARE(settings.brightness(), 80u);
+    settings.revert();
+    QCOMPARE(settings.brightness(), 150u);
+}
+
+void TestSettings::revertGoesBackToTheStart()
+{
+    write("[LCD]\nBrightness=80\nClockBrightness=20\n");
+    Settings settings(m_directory->path());
+    settings.setLcdBrightness(90);
+    settings.setLcdClockBrightness(30);
+    m_log->clear();
+    QSignalSpy brightness(&settings, &Settings::lcdBrightnessChanged);
+    QSignalSpy clockBrightness(&settings, &Settings::lcdClockBrightnessChanged);
+    settings.revert();
+    QCOMPARE(settings.brightness(), 80u);
+    QCOMPARE(settings.clockBrightness(), 20u);
+    QCOMPARE(brightness.count(), 1);
+    QCOMPARE(brightness.first(), QVariantList({ 80u }));
+    QCOMPARE(clockBrightness.count(), 1);
+    QCOMPARE(clockBrightness.first(), QVariantList({ 20u }));
+    QCOMPARE(m_log->take(),
+        QStringList({ "debug: Settings::revert()", "debug: Settings::setLcdBrightness() 80",
+            "debug: Settings::setLcdClockBrightness() 20" }));
+}
+
+void TestSettings::revertComesBackToTheFileAsItWasBeforeASave()
+{
+    Settings settings(m_directory->path());
+    settings.setLcdBrightness(80);
+    settings.save();
+    settings.setLcdBrightness(60);
+    settings.revert();
+    QCOMPARE(settings.brightness(), 150u);
+    QCOMPARE(stored(QStringLiteral("LCD/Brightness")).toUInt(), 80u);
+}
+
+void TestSettings::revertLeavesOtherSettings()
+{
+    Settings settings(m_directory->path());
+    const QMetaObject &meta = Settings::staticMetaObject;
+    QList<QVariant> values;
+    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
+        if (meta.property(i).isWritable())
+            meta.property(i).write(&settings, sampleValue(settings, meta.property(i)));
+        values.append(meta.property(i).read(&settings));
+    }
+    settings.revert();
+    for (int i = meta.propertyOffset() + 2; i < meta.propertyCount(); ++i)
+        QCOMPARE(meta.property(i).read(&settings), values.at(i - meta.propertyOffset()));
+}
+
+void TestSettings::revertOfUnchangedValuesIsSilent()
+{
+    Settings settings(m_directory->path());
+    m_log->clear();
+    QSignalSpy brightness(&settings, &Settings::lcdBrightnessChanged);
+    QSignalSpy clockBrightness(&settings, &Settings::lcdClockBrightnessChanged);
+    QVERIFY(QMetaObject::invokeMethod(&settings, "revert", Qt::DirectConnection));
+    QCOMPARE(brightness.count() + clockBrightness.count(), 0);
+    QCOMPARE(m_log->take(), QStringList({ "debug: Settings::revert()" }));
+}
+
+void TestSettings::instanceIsOneObject()
+{
+    QVERIFY(Settings::instance());
+    QCOMPARE(Settings::instance(), Settings::instance());
+    QVERIFY(!Settings::instance()->parent());
+}
+
+QTEST_GUILESS_MAIN(TestSettings)
+#include "tst_settings.moc"
