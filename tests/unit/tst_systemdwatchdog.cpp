@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "logcapture.h"
+#include "messagehandler.h"
+#include "metatable.h"
+#include "notifysocket.h"
+#include "systemdwatchdog.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTest>
+
+#include <atomic>
+#include <fcntl.h>
+#include <memory>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+const QByteArray Ready = QByteArrayLiteral("READY=1");
+const QByteArray Alive = QByteArrayLiteral("WATCHDOG=1");
+
+/** The names of this process's threads. */
+QStringList threadNames()
+{
+    QStringList names;
+    const QDir tasks(QStringLiteral("/proc/self/task"));
+    for (const QString &task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile file(tasks.filePath(task + QStringLiteral("/comm")));
+        if (file.open(QIODevice::ReadOnly))
+            names.append(QString::fromLocal8Bit(file.readAll().trimmed()));
+    }
+    return names;
+}
+
+int openDescriptors()
+{
+    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
+}
+
+} // namespace
+
+class TestSystemdWatchdog : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void metaObjectIsTheInterface();
+    void constructorStartsNothing();
+    void readyComesFirstThenTheKeepAlive();
+    void keepsAliveEvery2800Milliseconds();
+    void keepsAliveWhileTheMainThreadIsBusy();
+    void worksWithoutServiceManager();
+    void notifySendsLatin1AndLeavesTheEnvironment();
+    void stopSendsNothing();
+    void stopsBeforeTheStart();
+    void stopsAtAnyMoment();
+    void stopsWhileEveryoneLogs();
+
+private:
+    std::unique_ptr<LogCapture> m_log;
+    std::unique_ptr<NotifySocket> m_socket;
+};
+
+void TestSystemdWatchdog::init()
+{
+    m_log.reset(new LogCapture);
+    m_socket.reset(new NotifySocket);
+    qputenv("NOTIFY_SOCKET", QFile::encodeName(m_socket->path()));
+}
+
+void TestSystemdWatchdog::cleanup()
+{
+    qunsetenv("NOTIFY_SOCKET");
+    m_socket.reset();
+    m_log.reset();
+}
+
+void TestSystemdWatchdog::metaObjectIsTheInterface()
+{
+    const QMetaObject &meta = SystemdWatchdog::staticMetaObject;
+    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
+    QCOMPARE(propertyTable(meta), QStringList());
+    QCOMPARE(methodTable(meta), QStringList({ "public slot notifyReady()" }));
+    QCOMPARE(&SystemdWatchdog::WorkerThread::staticMetaObject, &QThread::staticMetaObject);
+}
+
+void TestSystemdWatchdog::constructorStartsNothing()
+{
+    {
+        const SystemdWatchdog watchdog;
+        QVERIFY(!watchdog.parent());
+        QCOMPARE(
+            m_log->take(), QStringList({ constructorLine(QStringLiteral("SystemdWatchdog")) }));
+        QTRY_VERIFY(!threadNames().contains(QStringLiteral("watchdog")));
+    }
+    QCOMPARE(m_log->take(), QStringList({ "debug: SystemdWatchdog::destructor" }));
+    SystemdWatchdog::notify(QStringLiteral("end")); // whatever came before lies in front of it
+    QTRY_COMPARE(m_socket->count("end"), 1);
+    QCOMPARE(m_socket->messages().size(), 1);
+}
+
+void TestSystemdWatchdog::readyComesFirstThenTheKeepAlive()
+{
+    {
+        SystemdWatchdog watchdog;
+        m_log->clear();
+        QVERIFY(QMetaObject::invokeMethod(&watchdog, "notifyReady", Qt::DirectConnection));
+        QTRY_COMPARE(m_socket->messages().size(), 2);
+        QCOMPARE(m_socket->messages().at(0).text, Ready);
+        QCOMPARE(m_socket->messages().at(1).text, Alive);
+        QVERIFY(threadNames().contains(QStringLiteral("watchdog")));
+        QCOMPARE(m_log->take(),
+            QStringList({ "debug: SystemdWatchdog::notifyReady()",
+                "debug: SystemdWatchdog::WorkerThread::run()",
+                "debug: SystemdWatchdog::WorkerThread::PING" }));
+    }
+    QCOMPARE(m_log->take(), QStringList({ "debug: SystemdWatchdog::destructor" }));
+    QTRY_VERIFY(!threadNames().contains(QStringLiteral("watchdog")));
+}
+
+void TestSystemdWatchdog::keepsAliveEvery2800Milliseconds()
+{
+    // Only the lower bound: it holds however slow the machine is.
+    QElapsedTimer time;
+    time.start();
+    SystemdWatchdog watchdog;
+    watchdog.notifyReady();
+    QTRY_COMPARE_WITH_TIMEOUT(m_socket->count(Alive), 2, 20000);
+    QVERIFY(time.elapsed() >= 2800);
+    QTRY_COMPARE_WITH_TIMEOUT(m_socket->count(Alive), 3, 20000);
+    QVERIFY(time.elapsed() >= 2 * 2800);
+    QCOMPARE(m_socket->count(Ready), 1);
+    QCOMPARE(m_log->count(QStringLiteral("debug: SystemdWatchdog::WorkerThread::PING")), 3);
+    QCOMPARE(m_log->count(QStringLiteral("debug: SystemdWatchdog::WorkerThread::run()")), 1);
+}
+
+void TestSystemdWatchdog::keepsAliveWhileTheMainThreadIsBusy()
+{
+    SystemdWatchdog watchdog;
+    watchdog.notifyReady();
+    // No event loop here.
+    while (m_log->count(QStringLiteral("debug: SystemdWatchdog::WorkerThread::PING")) < 2)
+        std::this_thread::yield();
+    QTRY_COMPARE(m_socket->count(Alive), 2);
+}
+
+void TestSystemdWatchdog::worksWithoutServiceManager()
+{
+    qunsetenv("NOTIFY_SOCKET");
+    {
+        SystemdWatchdog watchdog;
+        watchdog.notifyReady();
+        QTRY_VERIFY(m_log->contains(QStringLiteral("debug: SystemdWatchdog::WorkerThread::PING")));
+    }
+    qputenv("NOTIFY_SOCKET", QByteArrayLiteral("/nowhere/at/all"));
+    SystemdWatchdog watchdog;
+    m_log->clear();
+    watchdog.notifyReady();
+    QTRY_VERIFY(m_log->contains(QStringLiteral("debug: SystemdWatchdog::WorkerThread::PING")));
+    QCOMPARE(m_socket->messages().size(), 0);
+}
+
+void TestSystemdWatchdog::notifySendsLatin1AndLeavesTheEnvironment()
+{
+    SystemdWatchdog::notify(QStringLiteral("STATUS=Küche €"));
+    SystemdWatchdog::notify(QStringLiteral("STATUS=second"));
+    QTRY_COMPARE(m_socket->messages().size(), 2);
+    QCOMPARE(m_socket->messages().at(0).text,
+        QByteArray("STATUS=K\xfc"
+                   "che ?"));
+    QCOMPARE(qgetenv("NOTIFY_SOCKET"), QFile::encodeName(m_socket->path()));
+}
+
+void TestSystemdWatchdog::stopSendsNothing()
+{
+    {
+        SystemdWatchdog watchdog;
+        watchdog.notifyReady();
+        QTRY_COMPARE(m_socket->count(Alive), 1);
+    }
+    SystemdWatchdog::notify(QStringLiteral("end"));
+    QTRY_COMPARE(m_socket->count("end"), 1);
+    QCOMPARE(m_socket->messages().size(), 3);
+}
+
+void TestSystemdWatchdog::stopsBeforeTheStart()
+{
+    for (int i = 0; i < 100; ++i)
+        delete new SystemdWatchdog;
+    QCOMPARE(m_log->count(QStringLiteral("debug: SystemdWatchdog::destructor")), 100);
+}
+
+void TestSystemdWatchdog::stopsAtAnyMoment()
+{
+    const int before = openDescriptors();
+    for (int i = 0; i < 1000; ++i) {
+        SystemdWatchdog watchdog;
+        watchdog.notifyReady();
+        ::usleep(static_cast<useconds_t>(i % 50) * 10); // somewhere in the thread's first steps
+        QCoreApplication::processEvents();              // the socket must not run full
+    }
+    QTRY_VERIFY(!threadNames().contains(QStringLiteral("watchdog")));
+    QTRY_COMPARE(openDescriptors(), before);
+    QCOMPARE(m_log->count(QStringLiteral("debug: SystemdWatchdog::destructor")), 1000);
+}
+
+void TestSystemdWatchdog::stopsWhileEveryoneLogs()
+{
+    // The program's own handler, which has a lock: a thread that dies with it would stop everyone.
+    const int silent = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    const int saved = ::dup(STDERR_FILENO);
+    QVERIFY(::dup2(silent, STDERR_FILENO) >= 0);
+    setDebugLogging(true);
+    const QtMessageHandler former = qInstallMessageHandler(messageHandler);
+
+    std::atomic<bool> stop { false };
+    std::thread noise([&] {
+        for (int i = 0; !stop; ++i)
+            qDebug() << "noise" << i;
+    });
+    for (int i = 0; i < 500; ++i) {
+        SystemdWatchdog watchdog;
+        watchdog.notifyReady();
+        ::usleep(static_cast<useconds_t>(i % 50) * 10);
+        QCoreApplication::processEvents();
+    }
+    stop = true;
+    noise.join();
+
+    qInstallMessageHandler(former);
+    setDebugLogging(false);
+    ::dup2(saved, STDERR_FILENO);
+    ::close(saved);
+    ::close(silent);
+    QTRY_VERIFY(!threadNames().contains(QStringLiteral("watchdog")));
+}
+
+QTEST_GUILESS_MAIN(TestSystemdWatchdog)
+#include "tst_systemdwatchdog.moc"
