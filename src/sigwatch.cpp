@@ -73,7 +73,8 @@ void UnixSignalWatcherPrivate::_q_onNotify(int socket)
 {
     Q_Q(UnixSignalWatcher);
     int signal = 0;
-    if (::read(socket, &signal, sizeof signal) != sizeof signal)
+    // Another watcher may have been quicker; waiting would hold up the event loop.
+    if (::recv(socket, &signal, sizeof signal, MSG_DONTWAIT) != sizeof signal)
         return;
     qDebug().noquote().nospace() << "Caught signal: " << ::strsignal(signal);
     emit q->unixSignal(signal);
