@@ -1,0 +1,377 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "broker.h"
+#include "brokerclient.h"
+#include "simulatorprogram.h"
+#include "topics.h"
+#include "waiting.h"
+
+#include <QImage>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QTcpServer>
+#include <QTemporaryFile>
+#include <QTest>
+
+#include <csignal>
+#include <memory>
+
+namespace {
+
+const QString Zone = QStringLiteral("1601a7c2-hugo2x");
+
+QString zoneTopic(const char *key)
+{
+    return Topics::zone(Zone, key);
+}
+
+} // namespace
+
+/** The program as it is run, with a real broker. */
+class ProgramTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void endsWithItsStatus_data();
+    void endsWithItsStatus();
+    void malformedScenarioEndsWithFileAndLine();
+    void withoutBrokerEndsWithItsStatus();
+    void takenPortEndsWithItsStatus();
+    void retainedMessagesAwaitThoseWhoComeLater();
+    void obeysAndPrintsCommands();
+    void printsWhatTheDisplayTells();
+    void timePassesOnlyWithMusic();
+    void servesCoverArtWhereItSays();
+    void installsAnUpdateWhenAsked();
+    void takesFaultsAtRunTime();
+    void returnsToARestartedBroker();
+    void floodIsCompleteAndTheTruthReturns();
+    void noiseIsFollowedByTheTruth();
+    void sameSeedSameMessages();
+    void firstStepsAreTrueFromTheBeginning();
+    void signalsEndItInOrder();
+};
+
+void ProgramTest::endsWithItsStatus_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("help") << QStringList { "--help" } << 0 << "Usage: ";
+    QTest::newRow("version") << QStringList { "--version" } << 0 << "velunor-simulator 0.";
+    QTest::newRow("list") << QStringList { "--list" } << 0 << "core-lost  ";
+    QTest::newRow("unknown option")
+        << QStringList { "--explode" } << 2 << "velunor-simulator: Unknown option 'explode'";
+    QTest::newRow("bad number") << QStringList { "--speed", "fast" } << 2
+                                << "velunor-simulator: --speed: expected a number";
+    QTest::newRow("unknown scenario") << QStringList { "--scenario", "nonsense" } << 2
+                                      << "velunor-simulator: --scenario: expected a file or one of";
+}
+
+void ProgramTest::endsWithItsStatus()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, status);
+    QFETCH(QString, line);
+    SimulatorProgram simulator;
+    QVERIFY(simulator.start(arguments));
+    QVERIFY(simulator.waitForExit());
+    QCOMPARE(simulator.exitStatus(), status);
+    QVERIFY(simulator.waitForLine(line));
+}
+
+void ProgramTest::malformedScenarioEndsWithFileAndLine()
+{
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write("[\n { \"after_ms\": 0, \"action\": \"play\" },\n { \"after_ms\": 0 }\n]\n");
+    file.close();
+    SimulatorProgram simulator;
+    QVERIFY(simulator.start({ "--scenario", file.fileName() }));
+    QVERIFY(simulator.waitForExit());
+    QCOMPARE(simulator.exitStatus(), 3);
+    QVERIFY(simulator.waitForLine(
+        QStringLiteral("velunor-simulator: %1:3: expected ").arg(file.fileName())));
+}
+
+void ProgramTest::withoutBrokerEndsWithItsStatus()
+{
+    SimulatorProgram simulator;
+    QVERIFY(simulator.start({ "--broker-port", "18830" }));
+    QVERIFY(simulator.waitForExit());
+    QCOMPARE(simulator.exitStatus(), 4);
+    QVERIFY(simulator.waitForLine("velunor-simulator: no broker answers at 127.0.0.1:18830"));
+}
+
+void ProgramTest::takenPortEndsWithItsStatus()
+{
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress::LocalHost, 8080));
+    SimulatorProgram simulator;
+    QVERIFY(simulator.start());
+    QVERIFY(simulator.waitForExit());
+    QCOMPARE(simulator.exitStatus(), 5);
+    QVERIFY(simulator.waitForLine(
+        "velunor-simulator: cannot be the web service on port 8080: The bound address is"));
+}
+
+void ProgramTest::retainedMessagesAwaitThoseWhoComeLater()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait({ "--zone", "Küche" }));
+    BrokerClient late;
+    QVERIFY(late.connectToBroker());
+    QVERIFY(late.waitFor(zoneTopic("state"), "playing"));
+    QVERIFY(late.waitFor(zoneTopic("name"), "Küche"));
+    QVERIFY(late.waitFor(Topics::core("coreDetected"), "true"));
+    QVERIFY(late.waitFor(Topics::connected(), "true"));
+    QVERIFY(late.waitFor(Topics::state("TimeSynced"), "true"));
+    QVERIFY(late.waitFor(Topics::settings("touchscreen_clock24"), "true"));
+    QVERIFY(simulator.stop());
+}
+
+void ProgramTest::obeysAndPrintsCommands()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient display;
+    QVERIFY(display.connectToBroker());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait());
+    QVERIFY(display.waitFor(zoneTopic("state"), "playing"));
+    display.publish(Topics::command(), R"({"command":"playpause","zone_id":"1601a7c2-hugo2x"})");
+    QVERIFY(display.waitFor(zoneTopic("state"), "paused"));
+    QVERIFY(simulator.waitForLine("command: play/pause in Hugo2X"));
+    display.publish(Topics::command(),
+        R"({"command":"set_volume","how":"absolute","value":99.0,"zone_id":"1601a7c2-hugo2x"})");
+    QVERIFY(display.waitFor(zoneTopic("volume/value"), "95"));
+    display.publish(Topics::command(), R"({"command":"next","zone_id":"ghost"})");
+    QVERIFY(simulator.waitForLine("command: refused: there is no such zone now"));
+    display.publish(Topics::command(), "one\ntwo\x01");
+    QVERIFY(simulator.waitForLine(
+        QString::fromUtf8("command: not understood: no JSON: illegal value: one�two�")));
+    QVERIFY(simulator.stop());
+}
+
+void ProgramTest::printsWhatTheDisplayTells()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient display;
+    QVERIFY(display.connectToBroker());
+    display.publish(Topics::display() + "zone", "Küche", true);
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait());
+    QVERIFY(simulator.waitForLine("zone: Küche"));
+    display.publish(Topics::display() + "idle", "true");
+    display.publish(Topics::display() + "brightness", "150");
+    QVERIFY(simulator.waitForLine("idle: true"));
+    QVERIFY(simulator.waitForLine("brightness: 150"));
+}
+
+void ProgramTest::timePassesOnlyWithMusic()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient display;
+    QVERIFY(display.connectToBroker());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait({ "--speed", "100" }));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        display.payloads(zoneTopic("nowPlaying/song")).size() >= 3, PatienceMs);
+    display.publish(Topics::fault(), "pause");
+    QVERIFY(display.waitFor(zoneTopic("state"), "paused"));
+    display.clear();
+    QTest::qWait(300); // nothing may come, so there is nothing to wait for
+    QCOMPARE(display.messages().size(), 0);
+}
+
+void ProgramTest::servesCoverArtWhereItSays()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient display;
+    QVERIFY(display.connectToBroker());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait());
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !display.payloads(zoneTopic("nowPlaying/imageKey")).isEmpty(), PatienceMs);
+    const QString address = QString::fromUtf8(display.payloads(Topics::core("serverUrl")).value(0));
+    const QString key
+        = QString::fromUtf8(display.payloads(zoneTopic("nowPlaying/imageKey")).value(0));
+    QNetworkAccessManager network;
+    const std::unique_ptr<QNetworkReply> reply(network.get(QNetworkRequest(
+        QUrl(QStringLiteral("http://%1/image/%2?scale=fit&width=402&height=402&format=image/jpeg")
+                 .arg(address, key)))));
+    QTRY_VERIFY_WITH_TIMEOUT(reply->isFinished(), PatienceMs);
+    QCOMPARE(QImage::fromData(reply->readAll()).size(), QSize(402, 402));
+}
+
+void ProgramTest::installsAnUpdateWhenAsked()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient display;
+    QVERIFY(display.connectToBroker());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait({ "--speed", "50" }));
+    display.publish(Topics::fault(), "offer_update info=2.0");
+    QVERIFY(display.waitFor(Topics::state("UpdateAvailable"), "true"));
+    QNetworkAccessManager network;
+    const std::unique_ptr<QNetworkReply> reply(network.post(
+        QNetworkRequest(QUrl(QStringLiteral("http://127.0.0.1:8080/api/install_update_v1"))),
+        QByteArray()));
+    QVERIFY(display.waitFor(Topics::state("UpdateInstalling"), "true"));
+    QVERIFY(simulator.waitForLine("web: POST /api/install_update_v1: accepted"));
+    QVERIFY(display.waitFor(Topics::state("RequireReboot"), "true"));
+    QVERIFY(simulator.waitForLine("update: done"));
+}
+
+void ProgramTest::takesFaultsAtRunTime()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient display;
+    QVERIFY(display.connectToBroker());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait());
+    display.publish(Topics::fault(), "core_lost");
+    QVERIFY(display.waitFor(Topics::core("coreDetected"), "false"));
+    QVERIFY(display.waitFor(Topics::availableZones(), "[]"));
+    display.publish(Topics::fault(), R"({"action":"core_back"})");
+    QVERIFY(simulator.waitForLine("action: core_back"));
+    display.publish(Topics::fault(), "rename name=\"A B\"");
+    QVERIFY(display.waitFor(zoneTopic("name"), "A B"));
+    display.publish(Topics::fault(), "rename");
+    display.publish(Topics::fault(), "group zones=Hugo2X,Kitchen");
+    QVERIFY(display.waitFor(zoneTopic("name"), "Hugo2X + Kitchen"));
+    display.publish(Topics::fault(), "image mode=upside_down");
+    QVERIFY(simulator.waitForLine("action: image: refused: there is no mode"));
+    display.publish(Topics::fault(), "explode");
+    QVERIFY(simulator.waitForLine("fault: not understood: expected an action"));
+    display.publish(Topics::fault(), "quit");
+    QVERIFY(simulator.waitForExit());
+    QCOMPARE(simulator.exitStatus(), 0);
+}
+
+void ProgramTest::returnsToARestartedBroker()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait());
+    for (int restart = 1; restart <= 2; ++restart) {
+        QVERIFY(broker.kill());
+        QTRY_COMPARE_WITH_TIMEOUT(
+            simulator.count("broker: connection lost, waiting for it to come back"), restart,
+            PatienceMs);
+        QVERIFY(broker.start());
+        QTRY_COMPARE_WITH_TIMEOUT(simulator.count("broker: connected"), restart + 1, PatienceMs);
+        BrokerClient display;
+        QVERIFY(display.connectToBroker());
+        QVERIFY(display.waitFor(zoneTopic("name"), "Hugo2X"));
+        QVERIFY(display.waitFor(Topics::settings("touchscreen_clock24"), "true"));
+        display.publish(Topics::fault(), "remote_lost");
+        QVERIFY(display.waitFor(Topics::connected(), "false"));
+        display.publish(Topics::fault(), "remote_back");
+        QVERIFY(display.waitFor(Topics::connected(), "true"));
+    }
+}
+
+void ProgramTest::floodIsCompleteAndTheTruthReturns()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient display;
+    QVERIFY(display.connectToBroker());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait());
+    QVERIFY(display.waitFor(zoneTopic("state"), "playing"));
+    const QByteArray song = display.payloads(zoneTopic("nowPlaying/song")).last();
+    display.clear();
+    display.publish(Topics::fault(), "flood per_second=1000 seconds=1");
+    QVERIFY(display.waitFor(zoneTopic("nowPlaying/song"), "Flood 996"));
+    QTRY_COMPARE_WITH_TIMEOUT(
+        display.payloads(zoneTopic("nowPlaying/song")).last(), song, PatienceMs);
+    int floods = 0;
+    const QList<QByteArray> songs = display.payloads(zoneTopic("nowPlaying/song"));
+    for (const QByteArray &each : songs)
+        floods += each.startsWith("Flood ") ? 1 : 0;
+    QCOMPARE(floods, 250);
+}
+
+void ProgramTest::noiseIsFollowedByTheTruth()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient display;
+    QVERIFY(display.connectToBroker());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait());
+    QVERIFY(display.waitFor(zoneTopic("state"), "playing"));
+    display.publish(Topics::fault(), "noise count=500");
+    QVERIFY(simulator.waitForLine("action: noise"));
+    display.clear();
+    display.publish(Topics::fault(), "pause");
+    QVERIFY(display.waitFor(zoneTopic("state"), "paused"));
+    BrokerClient late;
+    QVERIFY(late.connectToBroker());
+    QVERIFY(late.waitFor(zoneTopic("name"), "Hugo2X"));
+    QVERIFY(simulator.isRunning());
+}
+
+void ProgramTest::sameSeedSameMessages()
+{
+    const auto songs = [](const char *seed) {
+        Broker broker;
+        BrokerClient display;
+        SimulatorProgram simulator;
+        QList<QByteArray> heard;
+        if (!broker.start() || !display.connectToBroker()
+            || !simulator.startAndWait({ "--seed", seed, "--zone", "Den" }))
+            return heard;
+        display.publish(Topics::fault(), "shuffle on=true");
+        for (int i = 0; i < 20; ++i)
+            display.publish(Topics::fault(), "next");
+        display.publish(Topics::fault(), "stop");
+        display.waitFor(zoneTopic("state"), "stopped");
+        return display.payloads(zoneTopic("nowPlaying/song"));
+    };
+    const QList<QByteArray> first = songs("7");
+    QCOMPARE(first.size(), 21);
+    QCOMPARE(songs("7"), first);
+    QVERIFY(songs("8") != first);
+}
+
+void ProgramTest::firstStepsAreTrueFromTheBeginning()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient display;
+    QVERIFY(display.connectToBroker());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait({ "--scenario", "first-boot", "--speed", "0" }));
+    QVERIFY(display.waitFor(Topics::state("RequireConfigure"), "true"));
+    QVERIFY(display.waitFor(Topics::core("coreDetected"), "false"));
+    QCOMPARE(display.payloads(Topics::core("coreDetected")), QList<QByteArray> { "false" });
+    QCOMPARE(display.payloads(Topics::state("RequireConfigure")), QList<QByteArray> { "true" });
+    QCOMPARE(display.payloads(zoneTopic("state")), QList<QByteArray>());
+}
+
+void ProgramTest::signalsEndItInOrder()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    for (const int number : { SIGINT, SIGTERM }) {
+        SimulatorProgram simulator;
+        QVERIFY(simulator.startAndWait());
+        simulator.sendSignal(number);
+        QVERIFY(simulator.waitForExit());
+        QCOMPARE(simulator.exitStatus(), 0);
+    }
+    QCOMPARE(broker.lines(QRegularExpression("^Received DISCONNECT from")).size(), 2);
+}
+
+QTEST_GUILESS_MAIN(ProgramTest)
+#include "tst_program.moc"
