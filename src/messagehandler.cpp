@@ -18,8 +18,11 @@ std::atomic<bool> printDebug { false };
  * end. */
 struct Repeats {
     QBasicMutex mutex;
-    QString lastLine;
-    int count = 0; // further copies of lastLine, counted no further than the first one that is not
+    // The last line, in parts: most lines are hidden and never put together.
+    QByteArray file;
+    int number = -1; // no message has this one
+    QString message;
+    int count = 0; // further copies of the line, counted no further than the first one that is not
                    // printed
 };
 
@@ -68,16 +71,17 @@ bool debugLogging()
 
 void messageHandler(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    const QString line = QLatin1Char('[') + QString::fromLocal8Bit(fileName(context.file))
-        + QLatin1Char('(') + QString::number(context.line) + QLatin1String(")] ") + message;
+    const char *const file = fileName(context.file);
 
     Repeats &state = repeats();
     QMutexLocker locker(&state.mutex);
 
     // The bookkeeping comes before the filter: a hidden debug line breaks a run of equal lines.
-    if (line != state.lastLine) {
+    if (context.line != state.number || message != state.message || state.file != file) {
         state.count = 0;
-        state.lastLine = line;
+        state.file = file;
+        state.number = context.line;
+        state.message = message;
     } else if (state.count <= CopiesPrinted) {
         ++state.count;
     }
@@ -87,8 +91,12 @@ void messageHandler(QtMsgType type, const QMessageLogContext &context, const QSt
     const char *const level = prefix(type);
     if (!level)
         return;
-    const QByteArray text = state.count == CopiesPrinted
-        ? QByteArrayLiteral("last message repeated 5 times")
-        : line.toLatin1();
+    if (state.count == CopiesPrinted) {
+        std::fprintf(stderr, "%slast message repeated %d times\n", level, CopiesPrinted);
+        return;
+    }
+    const QByteArray text = (QLatin1Char('[') + QString::fromLocal8Bit(file) + QLatin1Char('(')
+        + QString::number(context.line) + QLatin1String(")] ") + message)
+                                .toLatin1();
     std::fprintf(stderr, "%s%s\n", level, text.constData());
 }
