@@ -11,18 +11,13 @@
 #include "throughput.h"
 
 #include <QCoreApplication>
+#include <QVector>
 
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 
 namespace {
-
-/** Says what is going on, since the whole takes minutes. */
-bool announced(const char *what)
-{
-    std::fprintf(stderr, "measuring %s...\n", what);
-    return true;
-}
 
 bool publish(PlayingZone &zone)
 {
@@ -32,6 +27,7 @@ bool publish(PlayingZone &zone)
 
 } // namespace
 
+/** Measures everything, or only what the arguments name, and prints the table. */
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
@@ -39,20 +35,38 @@ int main(int argc, char *argv[])
     Broker broker(Broker::Subscriptions);
     PlayingZone zone;
     Report report;
+    const QVector<QPair<QString, std::function<bool(BrokerClient &)>>> measurements {
+        { QStringLiteral("startup"),
+            [&](BrokerClient &) { return measureStartup(display, report); } },
+        { QStringLiteral("memory"),
+            [&](BrokerClient &services) { return measureMemory(services, display, report); } },
+        { QStringLiteral("latency"),
+            [&](BrokerClient &services) { return measureLatency(services, display, report); } },
+        { QStringLiteral("idle"),
+            [&](BrokerClient &services) { return measureIdle(services, display, report); } },
+    };
+    const QString throughput = QStringLiteral("throughput");
+    const QStringList named = QCoreApplication::arguments().mid(1);
+    // The whole takes minutes, so it says what is going on.
+    const auto wanted = [&](const QString &name) {
+        if (!named.isEmpty() && !named.contains(name))
+            return false;
+        std::fprintf(stderr, "measuring: %s...\n", qPrintable(name));
+        return true;
+    };
+
     if (!display.start() || !broker.start() || !publish(zone))
         return EXIT_FAILURE;
     // First, while no other client makes the broker send the stream once more.
-    if (!announced("throughput") || !measureThroughput(broker, display, report))
+    if (wanted(throughput) && !measureThroughput(broker, display, report))
         return EXIT_FAILURE;
     BrokerClient services;
     if (!services.connectToBroker())
         return EXIT_FAILURE;
-    const bool measured = announced("start-up") && measureStartup(display, report)
-        && announced("memory") && measureMemory(services, display, report) && announced("latency")
-        && measureLatency(services, display, report) && announced("idling")
-        && measureIdle(services, display, report);
-    if (!measured)
-        return EXIT_FAILURE;
+    for (const auto &measurement : measurements) {
+        if (wanted(measurement.first) && !measurement.second(services))
+            return EXIT_FAILURE;
+    }
     report.print();
     return EXIT_SUCCESS;
 }

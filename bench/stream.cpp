@@ -63,9 +63,13 @@ bool Stream::connectToBroker()
     return accepted;
 }
 
-void Stream::send(const QByteArray &command)
+void Stream::sendCommand(const QByteArray &name)
+{
+    m_socket.write(publication(
+        "Velunor/Controller/remote_control/v4/Control/command", "{\"command\":\"" + name + "\"}"));
+}
+
+void Stream::sendAll()
 {
     m_socket.write(m_packets);
-    m_socket.write(publication("Velunor/Controller/remote_control/v4/Control/command",
-        "{\"command\":\"" + command + "\"}"));
 }

@@ -19,8 +19,10 @@ public:
 
     /** Connects to the broker; false, with a message, when it does not accept the connection. */
     bool connectToBroker();
-    /** Sends all messages, followed by a command with the given name.  Returns at once. */
-    void send(const QByteArray &command);
+    /** Sends a remote-control command.  Returns at once, like the next one. */
+    void sendCommand(const QByteArray &name);
+    /** Sends all messages. */
+    void sendAll();
 
 private:
     int m_messages;
