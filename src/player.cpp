@@ -372,8 +372,9 @@ void Player::setVolumeStep(float step)
     const uint precision = step > 0.0f && step < 1.0f ? 1 : 0;
     if (m_volumeDisplayPrecision == precision)
         return;
-    qInfo().noquote().nospace() << "Player::setVolumeStep() changing precision to " << precision
-                                << " based on: " << step;
+    // Only the finer display is worth a line in the normal log.
+    (precision == 1 ? qInfo() : qDebug()).noquote().nospace()
+        << "Player::setVolumeStep() changing precision to " << precision << " based on: " << step;
     m_volumeDisplayPrecision = precision;
 }
 
