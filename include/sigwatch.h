@@ -26,7 +26,8 @@ public:
     void watchForSignal(int signal);
 
 signals:
-    /** Emitted once for each delivered signal, in the order in which they came. */
+    /** Emitted once for each delivered signal, in the order in which they came. Of a flood that the
+     * event loop does not keep up with, what the socket cannot hold is dropped. */
     void unixSignal(int signal);
 
 private:

@@ -10,7 +10,6 @@
 #include <csignal>
 #include <cstring>
 #include <sys/socket.h>
-#include <unistd.h>
 
 namespace {
 
@@ -24,10 +23,12 @@ bool haveSockets()
 }
 
 // Asynchronous context: nothing but the write, and the interrupted code's errno left as it was.
+// When the socket is full the signal is dropped: the thread that waits here may be the one that
+// reads.
 void handleSignal(int signal)
 {
     const int interrupted = errno;
-    const ssize_t written = ::write(sockets[0], &signal, sizeof signal);
+    const ssize_t written = ::send(sockets[0], &signal, sizeof signal, MSG_DONTWAIT);
     static_cast<void>(written);
     errno = interrupted;
 }

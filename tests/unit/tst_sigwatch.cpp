@@ -69,6 +69,7 @@ private slots:
     void blockedSystemCallGoesOn();
     void interruptedCodeKeepsItsErrno();
     void twoWatchersShareTheSignals();
+    void aFloodNeverBlocksTheHandler();
     void destroyedWatcherLeavesTheHandler();
 
 private:
@@ -294,6 +295,27 @@ void TestSigwatch::twoWatchersShareTheSignals()
     QCoreApplication::processEvents(); // whoever comes second finds nothing, and must not wait for
                                        // it
     QCOMPARE(caughtByFirst.count() + caughtBySecond.count(), 1);
+}
+
+// The handler runs in the thread that would have to make room: waiting there would be for ever.
+void TestSigwatch::aFloodNeverBlocksTheHandler()
+{
+    UnixSignalWatcher watcher;
+    QSignalSpy caught(&watcher, &UnixSignalWatcher::unixSignal);
+    watcher.watchForSignal(SIGUSR1);
+    for (int i = 0; i < 20000; ++i)
+        QCOMPARE(::raise(SIGUSR1), 0);
+    QTRY_VERIFY(caught.count() > 0);
+    int drained = 0;
+    do {
+        drained = caught.count();
+        QCoreApplication::processEvents();
+    } while (caught.count() > drained);
+
+    watcher.watchForSignal(SIGTERM);
+    QCOMPARE(::raise(SIGTERM), 0);
+    QTRY_COMPARE(caught.count(), drained + 1);
+    QCOMPARE(caught.last(), QVariantList({ SIGTERM }));
 }
 
 void TestSigwatch::destroyedWatcherLeavesTheHandler()
