@@ -16,6 +16,7 @@
 #include <QMqttTopicFilter>
 #include <QThread>
 #include <QVariant>
+#include <QtNumeric>
 
 #include <memory>
 
@@ -52,6 +53,22 @@ QString propertyName(
     return name;
 }
 
+/** @p payload as a value of the type @p type; the type's null value if it does not parse. */
+QVariant converted(const QByteArray &payload, int type)
+{
+    // Left to QVariant, a number too large for the type would wrap around or become infinite, and
+    // an "inf" or "nan" would come back from here in a volume command, where JSON has no such word.
+    if (type == QMetaType::UInt)
+        return payload.toUInt();
+    if (type == QMetaType::Float) {
+        const float number = payload.toFloat();
+        return qIsFinite(number) ? number : 0.0f;
+    }
+    QVariant value(payload);
+    value.convert(type);
+    return value;
+}
+
 /**
  * Converts @p payload to the type of the property @p name of @p target and writes it; a text that
  * does not parse is written as the type's null value. @p method is named in the log, @p level is
@@ -69,12 +86,11 @@ bool writeProperty(QObject *target, const QString &name, const QByteArray &paylo
     }
     const QMetaProperty property = metaObject->property(index);
     const int type = property.read(target).userType();
-    QVariant value(payload);
-    if (!value.canConvert(type)) {
+    if (!QVariant(payload).canConvert(type)) {
         qWarning().noquote().nospace() << method << " can't set type for property: " << name;
         return false;
     }
-    value.convert(type);
+    const QVariant value = converted(payload, type);
     (level == QtInfoMsg ? qInfo() : qDebug()).noquote().nospace()
         << method << " setting property " << name << " to value: " << value.toString();
     property.write(target, value);
@@ -319,7 +335,7 @@ bool Mqtt::updateSettings(const QStringList &levels, const QByteArray &payload)
     else if (key == QLatin1String("touchscreen_custom_clockcolor"))
         settings->setLcdCustomClockColor(value.toString());
     else if (key == QLatin1String("touchscreen_screensaver_time"))
-        settings->setScreenSaverTime(value.toUInt());
+        settings->setScreenSaverTime(payload.toUInt());
     else if (key == QLatin1String("touchscreen_hide_power_button"))
         settings->setHidePowerButton(value.toBool());
     else if (key == QLatin1String("touchscreen_hide_option_buttons"))

@@ -98,6 +98,12 @@ const QList<Conversion> Conversions {
     { "letters", "abc", true, 0, 0.0f },
     { "number and letters", "42abc", true, 0, 0.0f },
     { "largest", "4294967295", true, 4294967295u, 4294967295.0f },
+    { "one more", "4294967296", true, 0, 4294967296.0f },
+    { "two more", "4294967297", true, 0, 4294967296.0f },
+    { "more than a float holds", "1e39", true, 0, 0.0f },
+    { "more than anything holds", "-1e400", true, 0, 0.0f },
+    { "infinite", "inf", true, 0, 0.0f },
+    { "not a number", "nan", true, 0, 0.0f },
     { "accented",
         "K\xc3\xbc"
         "che",
