@@ -22,7 +22,7 @@ class NavigationController : public QObject {
 
 public:
     /** The screens; their order counts in no decision, their numbers show in the log. */
-    enum Screen {
+    enum Screen : int {
         WelcomeScreen = 10,
         PlayerScreen,
         SettingsScreen,
@@ -88,7 +88,7 @@ private:
 
     Screen m_screen = WelcomeScreen;
     QMap<Screen, QString> m_screens;
-    QTimer *m_screenSaverTimer;
+    QTimer *m_screenSaverTimer = nullptr;
     bool m_displayIdle = true;
     bool m_wakeOnResume = false; // set when playback pauses or stops, used up when it goes on
 

@@ -274,7 +274,7 @@ private:
     QString m_imageKey;
     QString m_wantedZone;
     QString m_zone = QStringLiteral("UNKNOWN");
-    bool m_use24HourClock;
+    bool m_use24HourClock = true;
     bool m_remoteConnected = true;
     uint m_seekPosition = 0;
     uint m_length = 0;

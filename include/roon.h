@@ -52,7 +52,7 @@ public:
      */
     QString ipAddress() const;
 
-    /** The machine's host name, without domain; looked up on every call. */
+    /** The machine's host name as it is configured; looked up on every call. */
     QString localHostName() const;
 
 signals:

@@ -120,16 +120,16 @@ private:
     uint read(const QString &key, uint defaultValue) const;
 
     QSettings m_file;
-    uint m_brightness;
-    uint m_clockBrightness;
-    uint m_savedBrightness;      // as at start-up, never refreshed
-    uint m_savedClockBrightness; // likewise
+    uint m_brightness = 0;
+    uint m_clockBrightness = 0;
+    uint m_savedBrightness = 0;      // as at start-up, never refreshed
+    uint m_savedClockBrightness = 0; // likewise
     QString m_clockColor = QStringLiteral("grey");
     QString m_customClockColor = QStringLiteral("#545050");
     bool m_timeFormat = true;
     bool m_scrolling = true;
     bool m_blankScreen = false;
-    uint m_defaultPlayerScreen;
+    uint m_defaultPlayerScreen = 0;
     uint m_screenSaverTime = 10;
     bool m_hidePowerButton = false;
     bool m_hideOptionsButtons = false;

@@ -35,7 +35,6 @@ NavigationController *NavigationController::instance()
 
 NavigationController::NavigationController(QObject *parent)
     : QObject(parent)
-    , m_screenSaverTimer(nullptr)
 {
     qDebug().noquote().nospace() << "NavigationController::constructor in thread "
                                  << QThread::currentThreadId();
