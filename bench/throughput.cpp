@@ -115,8 +115,8 @@ bool showScreenSaver(Program &program, Stream &stream)
     // The first command leads to the clock, the second to the screen saver, which is number 14.
     stream.sendCommand("toggle_standby");
     stream.sendCommand("toggle_standby");
-    return program.waitForLine(Line::info(
-        QStringLiteral("NavigationController::processState() screen: 14")));
+    return program.waitForLine(
+        Line::info(QStringLiteral("NavigationController::processState() screen: 14")));
 }
 
 } // namespace
