@@ -8,6 +8,8 @@ namespace {
 const QString RemoteControl = "Velunor/Controller/remote_control/v4/";
 const QString CommandTopic = RemoteControl + "Control/command";
 
+constexpr int LoaderReady = 1; // QML's Loader.Ready
+
 const QStringList Pages { "Welcome", "RoonPlayerWindow2", "SettingsWindow", "RoonConnectionFailure",
     "ScreenSaver", "Clock", "RoonZoneNotFound", "UpdateInstalling" };
 
@@ -89,7 +91,9 @@ bool Appliance::waitForPage(const QString &name)
             if (program.probe().alive(page) > 0)
                 alive.append(page);
         }
-        return alive == QStringList(name) && program.probe().shows(name);
+        // A page that is still being made has its name already, but takes no touches.
+        return alive == QStringList(name)
+            && program.probe().property("loader" + name, "status") == QJsonValue(LoaderReady);
     });
     if (!shown)
         qWarning("instead of %s these pages are alive: %s", qUtf8Printable(name),
