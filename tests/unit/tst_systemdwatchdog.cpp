@@ -14,6 +14,7 @@
 #include <atomic>
 #include <fcntl.h>
 #include <memory>
+#include <pthread.h>
 #include <thread>
 #include <unistd.h>
 
@@ -60,6 +61,7 @@ private slots:
     void stopsBeforeTheStart();
     void stopsAtAnyMoment();
     void stopsWhileEveryoneLogs();
+    void onlyTheSleepCanBeTerminated();
 
 private:
     std::unique_ptr<LogCapture> m_log;
@@ -238,6 +240,34 @@ void TestSystemdWatchdog::stopsWhileEveryoneLogs()
     ::close(saved);
     ::close(silent);
     QTRY_VERIFY(!threadNames().contains(QStringLiteral("watchdog")));
+}
+
+void TestSystemdWatchdog::onlyTheSleepCanBeTerminated()
+{
+    // Asked where it would hurt: inside the log handler, which the thread enters with its own lines
+    // only.  The second ping comes after a sleep, in which termination was allowed.
+    static std::atomic<int> pings { 0 };
+    static std::atomic<int> exposed { 0 };
+    pings = exposed = 0;
+    const QtMessageHandler former
+        = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &text) {
+              if (!text.startsWith(QStringLiteral("SystemdWatchdog::WorkerThread::")))
+                  return;
+              int state = PTHREAD_CANCEL_ENABLE;
+              ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
+              ::pthread_setcancelstate(state, nullptr);
+              if (state != PTHREAD_CANCEL_DISABLE)
+                  ++exposed;
+              if (text.endsWith(QStringLiteral("PING")))
+                  ++pings;
+          });
+    {
+        SystemdWatchdog watchdog;
+        watchdog.notifyReady();
+        QTRY_VERIFY_WITH_TIMEOUT(pings >= 2, 20000);
+    }
+    qInstallMessageHandler(former);
+    QCOMPARE(exposed.load(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestSystemdWatchdog)
