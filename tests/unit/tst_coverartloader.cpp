@@ -81,7 +81,7 @@ QUrl logo()
  */
 template <typename Condition, typename Action> void when(Condition condition, Action action)
 {
-    auto *const poll = new QTimer(qApp);
+    auto *const poll = new QTimer(QCoreApplication::instance());
     QObject::connect(poll, &QTimer::timeout, poll, [=] {
         if (!condition())
             return;
@@ -530,7 +530,7 @@ void TestCoverArtLoader::destroyedLoaderThatWaitsIsForgotten()
     m_loader->setWanted(urlOf(QStringLiteral("A")));
     whenAskedFor("A", [second] {
         second->setWanted(urlOf(QStringLiteral("B")));
-        QTimer::singleShot(1, qApp, [second] { delete second; });
+        QTimer::singleShot(1, QCoreApplication::instance(), [second] { delete second; });
     });
     QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
     QCoreApplication::processEvents();
@@ -603,5 +603,5 @@ void TestCoverArtLoader::randomWishesEndWithTheLast()
     log.clear(); // failed fetches are part of it
 }
 
-QTEST_MAIN(TestCoverArtLoader)
+QTEST_GUILESS_MAIN(TestCoverArtLoader)
 #include "tst_coverartloader.moc"

@@ -581,5 +581,5 @@ void TestImageProvider::prefetchSaysWhetherThePictureIsThere()
     QCOMPARE(m_provider->prefetch(QStringLiteral("key")), true);
 }
 
-QTEST_MAIN(TestImageProvider)
+QTEST_GUILESS_MAIN(TestImageProvider)
 #include "tst_imageprovider.moc"
