@@ -4,6 +4,7 @@
 #include "simulator.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QTextStream>
 
 #include <csignal>
@@ -78,6 +79,9 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("velunor-simulator"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TOUCHUI_VERSION));
+    // The lines of the simulator are its output; what the shared classes log is for their own
+    // program.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
 
     Options options;
     QString problem;
