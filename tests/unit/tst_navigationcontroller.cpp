@@ -148,6 +148,7 @@ private slots:
 
     void signalsOfOthersCauseAnEvaluationAtOnce();
     void evaluationLogsChangesOnly();
+    void evaluationLogsChangesFirst();
 
     void decisionTable_data();
     void decisionTable();
@@ -678,6 +679,18 @@ void TestNavigationController::evaluationLogsChangesOnly()
     m_log->clear();
     QCOMPARE(evaluate(), QStringList({ line + "available zones: ()" }));
     QCOMPARE(evaluate(), QStringList());
+}
+
+void TestNavigationController::evaluationLogsChangesFirst()
+{
+    makeNavigation(Navigation::PlayerScreen);
+    m_navigation->processState();
+    QCOMPARE(ownLines(),
+        QStringList({ QStringLiteral(
+                          "info: NavigationController::processState() init, previous none"),
+            QStringLiteral("info: NavigationController::processState() screen: 11"),
+            QStringLiteral("info: NavigationController::processState() available zones: (Kitchen)"),
+            own("processState() start screensaver timer 10"), ZoneFoundLine }));
 }
 
 // Where an evaluation goes to, by the current screen: 0 means nowhere, Target to the player if

@@ -52,6 +52,7 @@ private slots:
     void commandsArePublishedAtQosOneWithoutRetain();
 
     void selectedZoneIsUpdatedAndAnnounced();
+    void selectedZoneIsAnnouncedBetweenItsSignals();
     void selectingTheSameZoneAnnouncesItAgain();
     void zoneIsAnnouncedRetained();
     void connectionAnnouncesTheZone();
@@ -380,6 +381,22 @@ void TestPlayerCommands::selectedZoneIsUpdatedAndAnnounced()
     QCOMPARE(sent(ZoneTopic),
         QList<QByteArray>({ "K\xc3\xbc"
                             "che" }));
+}
+
+void TestPlayerCommands::selectedZoneIsAnnouncedBetweenItsSignals()
+{
+    RoonZones::instance()->updateAvailableZones(R"([{"id":"z3","name":"Hall"}])");
+    auto *const zone = new RoonZone(QStringLiteral("z3"));
+    QVERIFY(RoonZones::instance()->add(zone));
+    zone->setName(QStringLiteral("Hall"));
+    const auto publish
+        = [](const QByteArray &text) { Mqtt::instance()->publish(ZoneTopic, text, true, 1); };
+    connect(m_player.get(), &Player::zoneChanged, this, [=] { publish("zoneChanged"); });
+    connect(
+        m_player.get(), &Player::wantedZoneChanged, this, [=] { publish("wantedZoneChanged"); });
+    sent(ZoneTopic);
+    m_player->selectZone(QStringLiteral("Hall"));
+    QCOMPARE(sent(ZoneTopic), QList<QByteArray>({ "zoneChanged", "Hall", "wantedZoneChanged" }));
 }
 
 void TestPlayerCommands::selectingTheSameZoneAnnouncesItAgain()

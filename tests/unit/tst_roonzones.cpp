@@ -41,6 +41,7 @@ private slots:
     void findsTheZone_data();
     void findsTheZone();
     void followerNeedsAnAvailableZone();
+    void followerIsFoundUnderTheIdItWasAddedUnder();
     void leaderComesBeforeFollower();
     void exactNameComesFirst();
     void elementWithoutIdFindsNothing();
@@ -349,6 +350,14 @@ void TestRoonZones::followerNeedsAnAvailableZone()
     add(QStringLiteral("2"), R"([{"display_name":"Bath"}])");
     QCOMPARE(m_zones->findZoneByDisplayName(QStringLiteral("Bath")), QString());
     QCOMPARE(m_log->take(), QStringList());
+}
+
+void TestRoonZones::followerIsFoundUnderTheIdItWasAddedUnder()
+{
+    m_zones->updateAvailableZones(R"([{"id":"1","name":"Hall"}])");
+    add(QStringLiteral("1"), R"([{"display_name":"Bath"}])");
+    m_zones->find(QStringLiteral("1"))->setId(QStringLiteral("renamed"));
+    QCOMPARE(m_zones->findZoneByDisplayName(QStringLiteral("Bath")), QStringLiteral("1"));
 }
 
 void TestRoonZones::leaderComesBeforeFollower()
