@@ -6,6 +6,7 @@
 #include <QTemporaryFile>
 #include <QTest>
 
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <thread>
@@ -290,11 +291,18 @@ void TestMessageHandler::linesOfSeveralThreadsStayWhole()
 {
     constexpr int Threads = 4;
     constexpr int Lines = 2000;
+    std::atomic<int> ready { 0 };
     std::vector<std::thread> threads;
     for (int t = 0; t < Threads; ++t) {
-        threads.emplace_back([t] {
-            for (int i = 0; i < Lines; ++i)
+        threads.emplace_back([t, &ready] {
+            for (++ready; ready < Threads;) // all at once, or each is done before the next begins
+                std::this_thread::yield();
+            for (int i = 0; i < Lines; ++i) {
                 send(QtInfoMsg, QStringLiteral("%1 %2 end").arg(t).arg(i));
+                // Nothing is written for these, so that the threads meet in the bookkeeping.
+                for (int hidden = 0; hidden < 300; ++hidden)
+                    send(QtDebugMsg, QString::number(hidden));
+            }
         });
     }
     for (std::thread &thread : threads)
