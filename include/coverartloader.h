@@ -57,5 +57,5 @@ private:
     QUrl m_source;
     bool m_scheduled = false;
     ImageProvider *m_waitingFor = nullptr; // null unless a fetch is going on
-    QTimer m_patience; // runs for the first second of a fetch
+    QTimer m_patience;                     // runs for the first second of a fetch
 };
