@@ -4,10 +4,13 @@
 if(CMAKE_SCRIPT_MODE_FILE)
     cmake_minimum_required(VERSION 3.18)
     set(revision "")
-    execute_process(COMMAND git -C "${SOURCE_DIR}" rev-parse HEAD
+    # In a container the checkout often belongs to another user, and git would refuse to look at it.  Nothing of
+    # the checkout is run here.
+    set(git git -c safe.directory=* -C "${SOURCE_DIR}")
+    execute_process(COMMAND ${git} rev-parse HEAD
         OUTPUT_VARIABLE revision OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
     # A tree that merely lies inside some other checkout is not built from that checkout's commit.
-    execute_process(COMMAND git -C "${SOURCE_DIR}" rev-parse --show-prefix
+    execute_process(COMMAND ${git} rev-parse --show-prefix
         OUTPUT_VARIABLE prefix OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
     if(NOT revision MATCHES "^[0-9a-f]+$" OR prefix)
         string(REPEAT "0" 40 revision)
