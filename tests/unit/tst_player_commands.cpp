@@ -15,6 +15,7 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QTest>
+#include <QTextCodec>
 
 #include <memory>
 
@@ -50,6 +51,7 @@ private slots:
     void zoneIdGoesInAsItIs_data();
     void zoneIdGoesInAsItIs();
     void commandsArePublishedAtQosOneWithoutRetain();
+    void textsLeaveInTheLocalesEncoding();
 
     void selectedZoneIsUpdatedAndAnnounced();
     void selectedZoneIsAnnouncedBetweenItsSignals();
@@ -359,6 +361,28 @@ void TestPlayerCommands::commandsArePublishedAtQosOneWithoutRetain()
     QVERIFY(!m_broker->lines(QRegularExpression(published.arg("d0, q1, r0"))).isEmpty());
     QCOMPARE(m_broker->lines(QRegularExpression(published.arg("d0, q1, r0"))).size(),
         m_broker->lines(QRegularExpression(published.arg("d., q., r."))).size());
+}
+
+void TestPlayerCommands::textsLeaveInTheLocalesEncoding()
+{
+    const QString zone = QStringLiteral("Küche");
+    const QJsonArray list { QJsonObject { { "id", "Zähler" }, { "name", zone } } };
+    RoonZones::instance()->updateAvailableZones(QJsonDocument(list).toJson());
+    sent();
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    m_player->selectZone(zone);
+    m_player->playPause();
+    QTextCodec::setCodecForLocale(nullptr); // the system's own again
+    m_player->selectZone(zone);
+    Mqtt::instance()->publish(FenceTopic, "here", false, 1);
+    QVERIFY(m_services->waitFor(FenceTopic, "here"));
+    QCOMPARE(m_services->payloads(ZoneTopic),
+        QList<QByteArray>({ "K\xfc"
+                            "che",
+            "K\xc3\xbc"
+            "che" }));
+    QCOMPARE(m_services->payloads(CommandTopic),
+        QList<QByteArray>({ "{\"command\":\"playpause\",\"zone_id\":\"Z\xe4hler\"}" }));
 }
 
 void TestPlayerCommands::selectedZoneIsUpdatedAndAnnounced()
