@@ -178,7 +178,7 @@ void WholeLibraryTest::everyTrackIsShownAsItPlays()
     // Fast enough that a track ends soon, slow enough that the next can be paused before its end.
     QVERIFY(m_simulator.startAndWait({ "--scenario", "playing", "--speed", "20" }));
     QVERIFY(m_program.startAndWait());
-    QTRY_VERIFY_WITH_TIMEOUT(m_program.probe().shows("RoonPlayerWindow2"), PatienceMs);
+    QVERIFY(m_program.waitForPage("RoonPlayerWindow2"));
     QVERIFY(touchUntil("playPause", "state", QStringLiteral("paused")));
     QVERIFY(touchUntil("loop", "settings/loop", QStringLiteral("loop")));
 

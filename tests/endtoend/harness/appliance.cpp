@@ -1,17 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "appliance.h"
 
-#include "waiting.h"
-
 namespace {
 
 const QString RemoteControl = "Velunor/Controller/remote_control/v4/";
 const QString CommandTopic = RemoteControl + "Control/command";
-
-constexpr int LoaderReady = 1; // QML's Loader.Ready
-
-const QStringList Pages { "Welcome", "RoonPlayerWindow2", "SettingsWindow", "RoonConnectionFailure",
-    "ScreenSaver", "Clock", "RoonZoneNotFound", "UpdateInstalling" };
 
 } // namespace
 
@@ -80,23 +73,4 @@ bool Appliance::handled()
 QList<QByteArray> Appliance::commands() const
 {
     return services.payloads(CommandTopic);
-}
-
-bool Appliance::waitForPage(const QString &name)
-{
-    QStringList alive;
-    const bool shown = waitUntil([&] {
-        alive.clear();
-        for (const QString &page : Pages) {
-            if (program.probe().alive(page) > 0)
-                alive.append(page);
-        }
-        // A page that is still being made has its name already, but takes no touches.
-        return alive == QStringList(name)
-            && program.probe().property("loader" + name, "status") == QJsonValue(LoaderReady);
-    });
-    if (!shown)
-        qWarning("instead of %s these pages are alive: %s", qUtf8Printable(name),
-            qUtf8Printable(alive.join(", ")));
-    return shown;
 }

@@ -50,8 +50,8 @@ public:
     /** Every message on the command topic so far, the test's own included. */
     QList<QByteArray> commands() const;
 
-    /** Waits until the page of this name is shown and its predecessors are destroyed. */
-    bool waitForPage(const QString &name);
+    /** See Program::waitForPage(). */
+    bool waitForPage(const QString &name) { return program.waitForPage(name); }
 
 private:
     int m_markers = 0;

@@ -8,6 +8,11 @@
 
 namespace {
 
+constexpr int LoaderReady = 1; // QML's Loader.Ready
+
+const QStringList Pages { "Welcome", "RoonPlayerWindow2", "SettingsWindow", "RoonConnectionFailure",
+    "ScreenSaver", "Clock", "RoonZoneNotFound", "UpdateInstalling" };
+
 /** True for a variable that would let the surroundings of the test reach into the program. */
 bool isForeign(const QString &name)
 {
@@ -123,4 +128,23 @@ bool Program::waitForLine(const LogPattern &pattern, int from)
     if (!found)
         qWarning("the program did not log %s", qUtf8Printable(pattern.description()));
     return found;
+}
+
+bool Program::waitForPage(const QString &name)
+{
+    QStringList alive;
+    const bool shown = waitUntil([&] {
+        alive.clear();
+        for (const QString &page : Pages) {
+            if (m_probe.alive(page) > 0)
+                alive.append(page);
+        }
+        // A page that is still being made has its name already, but takes no touches.
+        return alive == QStringList(name)
+            && m_probe.property("loader" + name, "status") == QJsonValue(LoaderReady);
+    });
+    if (!shown)
+        qWarning("instead of %s these pages are alive: %s", qUtf8Printable(name),
+            qUtf8Printable(alive.join(", ")));
+    return shown;
 }

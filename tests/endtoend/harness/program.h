@@ -61,6 +61,12 @@ public:
      * failed. */
     void printLogOnFailure(int from) const;
 
+    /**
+     * Waits until the page of this name is shown, takes touches, and is the only one alive; false,
+     * with a message, when it does not come to that.
+     */
+    bool waitForPage(const QString &name);
+
     /** The way into the scene; connected on first use. */
     Probe &probe() { return m_probe; }
 
