@@ -286,7 +286,7 @@ void PanelTest::settingsPageShowsSavesAndCancels()
 
 void PanelTest::settingsPageSurvivesAReadOnlyDisk()
 {
-    QCOMPARE(QProcess::execute("mount", { "-o", "remount,ro", "/data" }), 0);
+    QCOMPARE(QProcess::execute("mount", { "-o", "remount,bind,ro", "/data" }), 0);
     Appliance appliance;
     QVERIFY(appliance.start());
     Probe &probe = appliance.program.probe();
@@ -295,7 +295,7 @@ void PanelTest::settingsPageSurvivesAReadOnlyDisk()
     QVERIFY(probe.tap("save"));
     QVERIFY(appliance.waitForPage("RoonPlayerWindow2"));
     QVERIFY(appliance.program.stop());
-    QCOMPARE(QProcess::execute("mount", { "-o", "remount,rw", "/data" }), 0);
+    QCOMPARE(QProcess::execute("mount", { "-o", "remount,bind,rw", "/data" }), 0);
 }
 
 QTEST_GUILESS_MAIN(PanelTest)
