@@ -93,6 +93,7 @@ Window {
                     NumberAnimation {
                         id: animation
 
+                        objectName: "slideIn"
                         target: ld.item
                         property: "x"
                         from: root.width

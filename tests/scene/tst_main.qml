@@ -99,6 +99,18 @@ Item {
             compare(loader(row.page).item.x, 0);
         }
 
+        function test_aSlideWouldComeFromTheRight() {
+            const slide = find(loader("Welcome"), "slideIn");
+            compare(slide.target, loader("Welcome").item);
+            compare(slide.property, "x");
+            compare(slide.from, mainWindow.width);
+            compare(slide.to, 0);
+            compare(slide.duration, 600);
+            compare(slide.easing.type, Easing.OutCubic);
+            verify(!slide.running);
+            verify(loader("Welcome").asynchronous);
+        }
+
         function test_thePageOnViewIsNotConfirmedAgain() {
             Navigation.setScreen("Welcome");
             compare(Navigation.calls, []);

@@ -188,6 +188,7 @@ Item {
             set(playing);
             tryCompare(item("coverPicture"), "source", "image://velunor/abc");
             compare(item("coverPicture").fillMode, Image.PreserveAspectFit);
+            verify(!item("coverPicture").smooth);
             compare(item("backgroundPicture").fillMode, Image.PreserveAspectCrop);
             verify(!item("backgroundPicture").visible);
             verify(!item("coverPicture").cache);
@@ -364,6 +365,7 @@ Item {
             compare(item("seekPosition").text, "2:06");
             Player.zone = "Kitchen + Bath + Living Room + Bedroom + Hall";
             verify(item("zoneNameText").truncated);
+            compare(item("zoneNameText").elide, Text.ElideRight);
         }
 
         function test_progress_data() {
@@ -385,6 +387,20 @@ Item {
             compare(fill.x, 1);
             compare(fill.y, 1);
             verify(bar.clip);
+        }
+
+        function test_framesAsDrawn() {
+            const rows = [
+                { box: "cover", colour: "#a8a0a0", width: 4, radius: 1 },
+                { box: "updateBadge", colour: "black", width: 1, radius: 10 },
+                { box: "progressBar", colour: "#5A9BE3", width: 1, radius: 1 }
+            ];
+            for (const row of rows) {
+                verify(Qt.colorEqual(item(row.box).border.color, row.colour), row.box);
+                compare(item(row.box).border.width, row.width, row.box);
+                compare(item(row.box).radius, row.radius, row.box);
+            }
+            verify(Qt.colorEqual(item("updateBadge").color, "orange"));
         }
 
         function test_updateBadge_data() {
