@@ -170,6 +170,12 @@ QJsonValue Probe::objectProperty(const Target &object, const QString &name)
     return answer[QStringLiteral("objects")][0][QStringLiteral("properties")][name];
 }
 
+bool Probe::resize(const QSize &size)
+{
+    return carriedOut({ { QStringLiteral("op"), QStringLiteral("resize") },
+        { QStringLiteral("width"), size.width() }, { QStringLiteral("height"), size.height() } });
+}
+
 QImage Probe::picture()
 {
     const QTemporaryDir directory;

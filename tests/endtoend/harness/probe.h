@@ -7,6 +7,7 @@
 #include <QLocalSocket>
 #include <QMap>
 #include <QPointF>
+#include <QSize>
 #include <QString>
 
 #include <chrono>
@@ -83,6 +84,8 @@ public:
      */
     QJsonValue objectProperty(const Target &object, const QString &name);
 
+    /** Gives the window another size, as a full-screen platform would.  Waits until it has it. */
+    bool resize(const QSize &size);
     /** What the window shows; null, with a message, when it cannot be had.  Draws a frame. */
     QImage picture();
     /** Frames drawn since the last call; the first call begins the counting and gives 0. */

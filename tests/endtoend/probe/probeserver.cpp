@@ -138,6 +138,11 @@ QJsonObject ProbeServer::answer(const QJsonObject &request)
         return items(request, window);
     if (operation == QLatin1String("grab"))
         return grab(request, window);
+    if (operation == QLatin1String("resize")) {
+        window->setGeometry(0, 0, request.value(QLatin1String("width")).toInt(),
+            request.value(QLatin1String("height")).toInt());
+        return {};
+    }
     if (operation == QLatin1String("frames"))
         return { { QStringLiteral("frames"), m_frames.take(window) } };
     if (operation == QLatin1String("watch"))

@@ -26,6 +26,7 @@ class QTouchDevice;
  * - "objects": the live objects that match "object", with type and named "properties".
  * - "count": how many live objects match "object".
  * - "grab": writes what the window shows to "file", a path ending in .png; answers width, height.
+ * - "resize": asks for the window's size, "width" and "height", at the origin of the screen.
  * - "frames": the frames drawn since the last such request; 0 for the first.
  * - "listen": begins to count the emissions of the argumentless "signals" of the first live object
  *   that matches "object"; "heard" answers how many there have been since.

@@ -1,24 +1,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display.h"
 
-#include "eventwait.h"
+#include "waiting.h"
 
+#include <QProcessEnvironment>
 #include <QRegularExpression>
+
+Display::Display(const QSize &size)
+    : m_size(size)
+{
+}
 
 bool Display::start()
 {
     // The server writes the number of the display to standard error once it takes clients.
+    const QString screen = QStringLiteral("%1x%2x24").arg(m_size.width()).arg(m_size.height());
     const bool started = m_process.start(QStringLiteral("Xvfb"),
         { QStringLiteral("-displayfd"), QStringLiteral("2"), QStringLiteral("-screen"),
-            QStringLiteral("0"), QStringLiteral("800x480x24"), QStringLiteral("-nolisten"),
-            QStringLiteral("tcp") },
+            QStringLiteral("0"), screen, QStringLiteral("-nolisten"), QStringLiteral("tcp") },
         QProcessEnvironment::systemEnvironment());
     if (!started) {
         qWarning("cannot start Xvfb (package xvfb): %s", qUtf8Printable(m_process.errorText()));
         return false;
     }
     const QRegularExpression number(QStringLiteral("^\\d+$"));
-    if (!waitForEvent([&] { return !m_process.lines().filter(number).isEmpty(); })) {
+    if (!waitUntil([&] { return !m_process.lines().filter(number).isEmpty(); })) {
         qWarning("Xvfb does not come up");
         return false;
     }

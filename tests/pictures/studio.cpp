@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "studio.h"
+
+#include "waiting.h"
+
+#include <QRegularExpression>
+#include <QTransform>
+
+#include <cstdio>
+
+namespace {
+
+// A Wednesday in November, the longest names of both that German has.
+constexpr char Moment[] = "2026-11-18 19:05:00";
+
+/** The window draws nothing while this long nothing changes. */
+constexpr int StillMs = 300;
+
+QString trueOrFalse(bool value)
+{
+    return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+} // namespace
+
+Studio::Studio(const PanelKind &kind)
+    : m_kind(kind)
+    , m_display(kind.screen)
+    , m_broker(Broker::Subscriptions)
+{
+    m_program.setEnvironment(
+        QStringLiteral("VELUNOR_TOUCHUI_WIDTH"), QString::number(kind.page.width()));
+    m_program.setEnvironment(
+        QStringLiteral("VELUNOR_TOUCHUI_HEIGHT"), QString::number(kind.page.height()));
+    m_program.setEnvironment(QStringLiteral("VELUNOR_TOUCHUI_SWAPPED"), trueOrFalse(kind.swapped));
+    m_program.setEnvironment(
+        QStringLiteral("VELUNOR_TOUCHUI_ROTATED"), trueOrFalse(!kind.isUpright()));
+    m_program.setEnvironment(
+        QStringLiteral("VELUNOR_TOUCHUI_ROTATION"), QString::number(kind.rotation));
+    m_program.setEnvironment(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    m_program.unsetEnvironment(QStringLiteral("QT_QUICK_BACKEND"));
+    m_program.setEnvironment(QStringLiteral("TZ"), QStringLiteral("UTC"));
+    m_program.setEnvironment(QStringLiteral("LD_PRELOAD"), QStringLiteral(TOUCHUI_FAKETIME));
+    m_program.setEnvironment(QStringLiteral("FAKETIME"), QString::fromLatin1(Moment));
+    m_program.setEnvironment(QStringLiteral("FAKETIME_DONT_FAKE_MONOTONIC"), QStringLiteral("1"));
+}
+
+bool Studio::start()
+{
+    if (!m_display.start() || !m_broker.start() || !m_services.connectToBroker()
+        || !startSimulator())
+        return false;
+    m_program.setEnvironment(QStringLiteral("DISPLAY"), m_display.name());
+    return m_program.startAndWait() && waitForPage(QStringLiteral("Welcome")) && fitWindow();
+}
+
+bool Studio::startSimulator()
+{
+    const bool started = m_simulator.start(QStringLiteral(TOUCHUI_SIMULATOR),
+        { QStringLiteral("--speed"), QStringLiteral("0"), QStringLiteral("--image-port"),
+            QStringLiteral("9330") },
+        QProcessEnvironment::systemEnvironment());
+    if (!started) {
+        qWarning("cannot start the simulator: %s", qUtf8Printable(m_simulator.errorText()));
+        return false;
+    }
+    // Retained from then on, so the program may come when it likes.
+    return m_services.waitFor(
+        QStringLiteral("Velunor/Controller/remote_control/v4/roon/Roon/coreDetected"), "true");
+}
+
+/** A display server without a window manager does not make a window full-screen. */
+bool Studio::fitWindow()
+{
+    if (m_kind.isUpright())
+        return true;
+    return m_program.probe().resize(m_kind.screen);
+}
+
+bool Studio::act(const QByteArray &action)
+{
+    m_services.publish(QStringLiteral("velunor-simulator/fault"), action);
+    return m_services.flush();
+}
+
+bool Studio::set(const char *key, const QByteArray &value)
+{
+    m_services.publish(QStringLiteral("Velunor/Settings/v2/") + QLatin1String(key), value, true);
+    return m_services.flush();
+}
+
+bool Studio::tap(const Probe::Target &item)
+{
+    return m_program.probe().tap(item);
+}
+
+bool Studio::tapBeside()
+{
+    return m_program.probe().tap(QPointF(2, 2));
+}
+
+bool Studio::waitForPage(const QString &name)
+{
+    // A page under construction is there already, but not all of its items have found their places.
+    constexpr int LoaderReady = 1;
+    return waitUntil([&] {
+        return m_program.probe().property(QStringLiteral("loader") + name, QStringLiteral("status"))
+            == LoaderReady;
+    });
+}
+
+bool Studio::waitForItem(const Probe::Target &item)
+{
+    return waitUntil([&] { return m_program.probe().shows(item); });
+}
+
+bool Studio::waitUntilGone(const Probe::Target &item)
+{
+    return waitUntil([&] { return !m_program.probe().shows(item); });
+}
+
+bool Studio::waitForText(const QString &text)
+{
+    return waitForItem(Probe::Target::text(text));
+}
+
+QImage Studio::picture()
+{
+    Probe &probe = m_program.probe();
+    probe.frames();
+    do {
+        QTest::qWait(StillMs); // stillness is a length of time, there is nothing to wait for
+    } while (probe.frames() > 0);
+    const QImage grabbed = probe.picture();
+    return m_kind.isUpright() ? grabbed
+                              : grabbed.transformed(QTransform().rotate(-m_kind.rotation));
+}
+
+void Studio::printLog() const
+{
+    for (const LogLine &line : m_program.log())
+        std::fprintf(stderr, "    %s\n", qUtf8Printable(line.whole));
+}
