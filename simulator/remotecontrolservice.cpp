@@ -284,6 +284,8 @@ void RemoteControlService::updateAvailable()
     for (ZoneSimulation *const zone : qAsConst(available)) {
         if (!before.contains(zone))
             zone->republish();
+        else
+            zone->reportChanges(); // of its name, which the list must have told before
     }
 }
 

@@ -127,13 +127,11 @@ void ZoneSimulation::republish()
 void ZoneSimulation::rename(const QString &name)
 {
     m_description.name = name;
-    reportChanges();
 }
 
 void ZoneSimulation::setFollowers(const QStringList &names)
 {
     m_followers = names;
-    reportChanges();
 }
 
 void ZoneSimulation::setQueue(const QVector<const Album *> &albums, int index)

@@ -48,7 +48,11 @@ public:
     QVector<Property> properties() const;
     /** Reports every property again, also the unchanged ones. */
     void republish();
+    /** Reports the properties that have changed since they were reported last. */
+    void reportChanges();
 
+    // Whoever changes a zone's name tells it, after the list of zones that names it: see
+    // reportChanges().
     void rename(const QString &name);
     /** The own names of the zones that follow this one; empty dissolves the group. */
     void setFollowers(const QStringList &names);
@@ -103,7 +107,6 @@ private:
     void moveTo(int place);
     void endOfTrack();
     void shuffleRest();
-    void reportChanges();
 
     ZoneDescription m_description;
     QString m_firstName;
