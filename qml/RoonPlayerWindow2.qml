@@ -20,17 +20,18 @@ Rectangle {
     readonly property bool nothingPlaying: Player.queueItemsRemaining === 0 && Player.roonState !== "playing"
                                            && Player.roonState !== "loading" && !Player.playAllowed
     readonly property bool playPauseAllowed: Player.playAllowed || Player.pauseAllowed
-    // The precision has no signal of its own, so it is read again whenever the volume or its step is reported.
-    readonly property int volumePrecision: {
-        Player.volume;
-        Player.volumeStep;
-        return Player.volumeDisplayPrecision;
+    // The precision has no signal, and is decided after the step has been reported, so it is read once that is over.
+    property int volumePrecision: 0
+
+    function readVolumePrecision() {
+        volumePrecision = Player.volumeDisplayPrecision;
     }
 
     objectName: "RoonPlayerWindow2"
     width: ScreenController.width
     height: ScreenController.height
     color: Theme.background
+    Component.onCompleted: readVolumePrecision()
 
     CoverArtLoader {
         id: coverArt
@@ -123,6 +124,10 @@ Rectangle {
 
                 function onVolumeChanged() {
                     volumeBox.highlight();
+                }
+
+                function onVolumeStepChanged() {
+                    Qt.callLater(root.readVolumePrecision);
                 }
             }
         }

@@ -67,7 +67,6 @@ void PlayingTest::initTestCase()
 void PlayingTest::init()
 {
     // The state from which each test starts.
-    // The step comes first: how many decimals it means is read again with the next message.
     QVERIFY(zoneIs({ { "volume/step", "1" }, { "state", "playing" }, { "nowPlaying/song", "Song" },
         { "nowPlaying/artist", "Artist" }, { "nowPlaying/album", "Album" },
         { "nowPlaying/length", "200" }, { "nowPlaying/seekPosition", "50" },
