@@ -62,7 +62,7 @@ int run(const Options &options)
     QObject::connect(
         &watcher, &UnixSignalWatcher::unixSignal, [] { QCoreApplication::exit(Simulator::Ended); });
     if (!simulator.start(&problem))
-        return complain(Simulator::PortTaken, problem);
+        return complain(Simulator::CannotServe, problem);
     const int status = QCoreApplication::exec();
     if (status == Simulator::NoBroker)
         return complain(status,

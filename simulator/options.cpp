@@ -36,6 +36,10 @@ struct Known {
     QCommandLineOption zone { QStringLiteral("zone"),
         QStringLiteral("The name of the appliance's own zone. Default: Hugo2X."),
         QStringLiteral("NAME") };
+    QCommandLineOption panel { QStringLiteral("panel"),
+        QStringLiteral("Make a display panel in DIR, which stands in for /sys/class/backlight, and "
+                       "tell what is written to it."),
+        QStringLiteral("DIR") };
     QCommandLineOption help { { QStringLiteral("h"), QStringLiteral("help") },
         QStringLiteral("Show this text and end.") };
     QCommandLineOption version { { QStringLiteral("v"), QStringLiteral("version") },
@@ -47,8 +51,8 @@ struct Known {
             QStringLiteral("Stands in for the other services of the appliance: remote control, "
                            "state, settings, cover art\nand web service. Prints what the display "
                            "publishes, one line each."));
-        parser->addOptions(
-            { list, scenario, speed, seed, brokerPort, imagePort, webPort, zone, help, version });
+        parser->addOptions({ list, scenario, speed, seed, brokerPort, imagePort, webPort, zone,
+            panel, help, version });
     }
 };
 
@@ -105,6 +109,7 @@ bool Options::parse(const QStringList &arguments, Options *options, QString *pro
         made.task = List;
     if (parser.isSet(known.scenario))
         made.scenario = parser.value(known.scenario);
+    made.panel = parser.value(known.panel);
     bool isNumber = true;
     if (parser.isSet(known.speed))
         made.speed = parser.value(known.speed).toDouble(&isNumber);
@@ -151,5 +156,6 @@ QString Options::helpText()
               .arg(Topics::fault(), Options().zone)
         + Action::overview()
         + QStringLiteral("\nExit status: 0 ended by a signal or \"quit\", 2 wrong options, "
-                         "3 malformed scenario,\n4 no broker, 5 a port is taken.\n");
+                         "3 malformed scenario,\n4 no broker, 5 a port is taken, or the panel "
+                         "cannot be made.\n");
 }

@@ -16,6 +16,7 @@ struct Options {
     quint16 imagePort = 0;                   ///< 0: any free one
     quint16 webPort = 8080;                  ///< 0: any free one
     QString zone = QStringLiteral("Hugo2X"); ///< the name of the appliance's own zone
+    QString panel;                           ///< where a simulated panel is made; empty: nowhere
 
     /** @p arguments begin with the program's name.  False, with the reason, when they are wrong. */
     static bool parse(const QStringList &arguments, Options *options, QString *problem);

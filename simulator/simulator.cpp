@@ -48,6 +48,7 @@ Simulator::Simulator(const Options &options, const Scenario &scenario, QObject *
     connect(&m_state, &StateService::told, this, &Simulator::tell);
     connect(&m_images, &ImageService::told, this, &Simulator::tell);
     connect(&m_web, &WebService::told, this, &Simulator::tell);
+    connect(&m_panel, &FakePanel::told, this, &Simulator::tell);
     connect(&m_remote, &RemoteControlService::playingChanged, this, &Simulator::updateClock);
     connect(&m_actions, &ActionRunner::quitRequested, this, [this] { emit ended(Ended); });
 
@@ -103,6 +104,8 @@ bool Simulator::start(QString *problem)
                        .arg(m_web.errorText());
         return false;
     }
+    if (!m_options.panel.isEmpty() && !m_panel.create(m_options.panel, problem))
+        return false;
     tell(QStringLiteral("image: serving at %1").arg(m_images.address()));
     tell(QStringLiteral("web: serving at 127.0.0.1:%1").arg(m_web.port()));
     // What the scenario begins with is true from the first message on, and its own messages replace

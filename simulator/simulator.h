@@ -4,6 +4,7 @@
 #include "actionrunner.h"
 #include "appliancelink.h"
 #include "disturbance.h"
+#include "fakepanel.h"
 #include "imageservice.h"
 #include "options.h"
 #include "remotecontrolservice.h"
@@ -19,11 +20,20 @@ class Simulator : public QObject {
 
 public:
     /** Exit statuses of the program. */
-    enum Status { Ended = 0, WrongOptions = 2, MalformedScenario = 3, NoBroker = 4, PortTaken = 5 };
+    enum Status {
+        Ended = 0,
+        WrongOptions = 2,
+        MalformedScenario = 3,
+        NoBroker = 4,
+        CannotServe = 5
+    };
 
     Simulator(const Options &options, const Scenario &scenario, QObject *parent = nullptr);
 
-    /** Takes the ports and begins to connect; false, with the reason, when a port is taken. */
+    /**
+     * Takes the ports, makes the panel and begins to connect; false, with the reason, when a port
+     * is taken or the panel cannot be made.
+     */
     bool start(QString *problem);
     /** Leaves the broker; what was published stays there, as after a service's end. */
     void stop();
@@ -52,6 +62,7 @@ private:
     StateService m_state;
     ImageService m_images;
     WebService m_web;
+    FakePanel m_panel;
     Disturbance m_disturbance;
     ActionRunner m_actions;
     ScenarioPlayer m_player;

@@ -36,7 +36,7 @@ void OptionsTest::readsEveryOption()
     QString problem;
     QVERIFY(Options::parse(
         QStringLiteral("program --scenario radio --speed 0.5 --seed 7 --broker-port 1 "
-                       "--image-port 65535 --web-port 0 --zone Küche")
+                       "--image-port 65535 --web-port 0 --zone Küche --panel p")
             .split(QLatin1Char(' ')),
         &options, &problem));
     QCOMPARE(options.scenario, QStringLiteral("radio"));
@@ -46,6 +46,7 @@ void OptionsTest::readsEveryOption()
     QCOMPARE(options.imagePort, quint16(65535));
     QCOMPARE(options.webPort, quint16(0));
     QCOMPARE(options.zone, QStringLiteral("Küche"));
+    QCOMPARE(options.panel, QStringLiteral("p"));
 }
 
 void OptionsTest::tasks_data()
