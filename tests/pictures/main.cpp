@@ -15,6 +15,8 @@
 
 namespace {
 
+constexpr int SmallestFile = 0; // as QImage::save() counts it for PNG: lossless, but slow
+
 /** Gives the namespace that this runs in a host name and an address, as the pages tell them. */
 bool appearAsAppliance()
 {
@@ -39,11 +41,11 @@ bool take(const PanelKind &kind, const QDir &directory)
             = directory.filePath(shot.name + QLatin1Char('-') + kind.name + QStringLiteral(".png"));
         if (!shot.arrange(studio)) {
             std::fprintf(stderr, "%s: did not come about\n", qUtf8Printable(file));
-            studio.picture().save(file);
+            studio.picture().save(file, "PNG", SmallestFile);
             studio.printLog();
             return false;
         }
-        if (!studio.picture().save(file)) {
+        if (!studio.picture().save(file, "PNG", SmallestFile)) {
             std::fprintf(stderr, "%s: cannot be written\n", qUtf8Printable(file));
             return false;
         }
