@@ -2,10 +2,12 @@
 #include "fakebroker.h"
 #include "qmqttconnection_p.h"
 #include "signallog.h"
+#include "stubbornlistener.h"
 #include "testbroker.h"
 
-#include <QtCore/QElapsedTimer>
+#include <QtCore/QDir>
 #include <QtNetwork/QTcpServer>
+#include <QtNetwork/QTcpSocket>
 #include <QtTest/QtTest>
 
 namespace {
@@ -29,6 +31,11 @@ quint16 deafPort()
     QTcpServer server;
     server.listen(QHostAddress::LocalHost);
     return server.serverPort();
+}
+
+int openDescriptors()
+{
+    return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size();
 }
 
 void aim(QMqttClient *client, quint16 port)
@@ -64,6 +71,9 @@ private Q_SLOTS:
     void unknownHostName();
     void missingAddressFailsAtOnce();
     void nextAddressIsTried();
+    void slowPeerIsWaitedFor();
+    void lateRefusalIsALoss();
+    void nextAddressIsTriedAfterALateRefusal();
     void secondCallWhileConnectingDoesNothing();
     void peerThatClosesFails_data();
     void peerThatClosesFails();
@@ -79,6 +89,7 @@ private Q_SLOTS:
     void takenOverClientId();
     void resetConnection();
     void reconnectsAfterLoss();
+    void attemptsLeaveNoDescriptorsOpen();
 
     void leavingIsSynchronousAndNoError();
     void leavingWhileConnectingIsAnError();
@@ -350,6 +361,51 @@ void TestConnection::nextAddressIsTried()
     QVERIFY(!connection.hasEvents());
 }
 
+void TestConnection::slowPeerIsWaitedFor()
+{
+    StubbornListener listener;
+    QMqttClient client;
+    aim(&client, listener.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    QCOMPARE(log.take(), Attempt);
+    listener.yield();
+    QTRY_VERIFY_WITH_TIMEOUT(listener.hasCaller(), PatienceMs);
+    QCOMPARE(log.take(), QStringList());
+    QTcpSocket peer;
+    QVERIFY(peer.setSocketDescriptor(listener.accept()));
+    // The request could not be sent when it was made.
+    QTRY_COMPARE(peer.bytesAvailable(), 2 + 0x23);
+    peer.write(FakeBroker::acceptance());
+    TRY_LOG(log, Success);
+}
+
+void TestConnection::lateRefusalIsALoss()
+{
+    StubbornListener listener;
+    QMqttClient client;
+    aim(&client, listener.port());
+    SignalLog log(&client);
+    client.connectToHost();
+    QCOMPARE(log.take(), Attempt);
+    listener.close();
+    TRY_LOG(log, Loss);
+}
+
+void TestConnection::nextAddressIsTriedAfterALateRefusal()
+{
+    StubbornListener listener(QHostAddress("127.0.0.2"), m_broker.port());
+    QMqttConnection::Settings settings;
+    settings.port = m_broker.port();
+    QMqttConnection connection(settings);
+    QSignalSpy available(&connection, &QMqttConnection::eventsAvailable);
+    connection.open({ QHostAddress("127.0.0.2"), QHostAddress(QHostAddress::LocalHost) });
+    listener.close();
+    QTRY_COMPARE_WITH_TIMEOUT(available.count(), 1, PatienceMs);
+    QVERIFY(std::holds_alternative<QMqttConnection::Accepted>(connection.takeEvent()));
+    QVERIFY(!connection.hasEvents());
+}
+
 void TestConnection::secondCallWhileConnectingDoesNothing()
 {
     FakeBroker peer;
@@ -534,6 +590,22 @@ void TestConnection::reconnectsAfterLoss()
     }
     QCOMPARE(client.clientId(), id);
     QCOMPARE(peer.packets().at(0), peer.packets().at(2));
+}
+
+void TestConnection::attemptsLeaveNoDescriptorsOpen()
+{
+    QMqttClient client;
+    const int before = openDescriptors();
+    for (int i = 0; i < 10; ++i) {
+        aim(&client, deafPort());
+        client.connectToHost();
+        QTRY_COMPARE(client.error(), QMqttClient::TransportInvalid);
+        aim(&client, m_broker.port());
+        client.connectToHost();
+        QTRY_COMPARE(client.state(), QMqttClient::Connected);
+        client.disconnectFromHost();
+    }
+    QCOMPARE(openDescriptors(), before);
 }
 
 void TestConnection::leavingIsSynchronousAndNoError()

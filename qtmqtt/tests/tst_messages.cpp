@@ -4,6 +4,7 @@
 #include "signallog.h"
 #include "testbroker.h"
 
+#include <QtCore/QTimer>
 #include <QtTest/QtTest>
 
 #include <memory>
@@ -43,6 +44,7 @@ private Q_SLOTS:
     void largePayloadsGoBothWays();
     void messageTellsItsProperties();
     void backlogArrivesCompleteAndInOrder();
+    void backlogLeavesOthersTheirTurn();
     void nothingIsLostOnLeaving_data();
     void nothingIsLostOnLeaving();
     void willIsPublishedWhenTheClientVanishes();
@@ -304,6 +306,26 @@ void TestMessages::backlogArrivesCompleteAndInOrder()
     QCOMPARE(listener.received.size(), 0);
     QTRY_COMPARE_WITH_TIMEOUT(listener.received.size(), Count, PatienceMs);
     QCOMPARE(listener.payloads(), numbers(Count));
+}
+
+void TestMessages::backlogLeavesOthersTheirTurn()
+{
+    constexpr int Count = 5000;
+    FakeBroker peer;
+    Listener listener(peer.port());
+    QByteArray backlog;
+    for (int i = 0; i < Count; ++i)
+        backlog += FakeBroker::message("t", QByteArray::number(i));
+    int turns = 0;
+    QTimer other;
+    connect(&other, &QTimer::timeout, this, [&] {
+        const int received = listener.received.size();
+        turns += received > 0 && received < Count ? 1 : 0;
+    });
+    other.start(0);
+    peer.send(backlog);
+    QTRY_COMPARE(listener.payloads(), numbers(Count));
+    QVERIFY2(turns > 1, qPrintable(QString::number(turns)));
 }
 
 void TestMessages::nothingIsLostOnLeaving_data()
