@@ -3,7 +3,6 @@
 #include "waiting.h"
 
 #include <QDir>
-#include <QProcess>
 #include <QTest>
 
 #include <memory>
@@ -64,7 +63,6 @@ private slots:
     void onlyOnePanelIsWritten();
     void brightnessAndPowerFollowTheScreen();
     void settingsPageShowsSavesAndCancels();
-    void settingsPageSurvivesAReadOnlyDisk();
 };
 
 void PanelTest::cleanup()
@@ -282,20 +280,6 @@ void PanelTest::settingsPageShowsSavesAndCancels()
     QVERIFY2(kept.contains("\nClockBrightness=20\n"), kept);
     QVERIFY2(kept.contains("\nDefaultPlayerScreen=11\n"), kept);
     QVERIFY(appliance.program.stop());
-}
-
-void PanelTest::settingsPageSurvivesAReadOnlyDisk()
-{
-    QCOMPARE(QProcess::execute("mount", { "-o", "remount,bind,ro", "/data" }), 0);
-    Appliance appliance;
-    QVERIFY(appliance.start());
-    Probe &probe = appliance.program.probe();
-    QVERIFY(probe.tap("settingsCorner"));
-    QVERIFY(appliance.waitForPage("SettingsWindow"));
-    QVERIFY(probe.tap("save"));
-    QVERIFY(appliance.waitForPage("RoonPlayerWindow2"));
-    QVERIFY(appliance.program.stop());
-    QCOMPARE(QProcess::execute("mount", { "-o", "remount,bind,rw", "/data" }), 0);
 }
 
 QTEST_GUILESS_MAIN(PanelTest)

@@ -1,33 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "comparison.h"
 #include "gallery.h"
+#include "hostidentity.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 
 #include <cstdio>
 #include <cstdlib>
-#include <sched.h>
-#include <unistd.h>
 
 namespace {
 
 constexpr int SmallestFile = 0; // as QImage::save() counts it for PNG: lossless, but slow
-
-/** Gives the namespace that this runs in a host name and an address, as the pages tell them. */
-bool appearAsAppliance()
-{
-    constexpr char Name[] = "velunor";
-    const bool named = unshare(CLONE_NEWUTS) == 0 && sethostname(Name, sizeof Name - 1) == 0;
-    // The peer is the first of the two that the kernel lists, and the first one counts.
-    const QString setUp = QStringLiteral(
-        "ip link add lan1 type veth peer name lan0 && ip address add 192.0.2.17/24 dev lan0 && "
-        "ip link set lan0 up && ip link set lan1 up");
-    return named && QProcess::execute(QStringLiteral("sh"), { QStringLiteral("-c"), setUp }) == 0;
-}
 
 /** Takes all pictures of one panel into a directory. */
 bool take(const PanelKind &kind, const QDir &directory)
@@ -79,7 +65,7 @@ int main(int argc, char *argv[])
     if (arguments.size() != 1 || !QDir().mkpath(arguments.first()))
         options.showHelp(EXIT_FAILURE);
 
-    if (!appearAsAppliance()) {
+    if (!appearAs("velunor")) {
         std::fprintf(stderr, "cannot set up host name and network; is this run by in_namespace?\n");
         return EXIT_FAILURE;
     }

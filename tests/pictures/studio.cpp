@@ -16,11 +16,6 @@ constexpr char Moment[] = "2026-11-18 19:05:00";
 /** The window draws nothing while this long nothing changes. */
 constexpr int StillMs = 300;
 
-QString trueOrFalse(bool value)
-{
-    return value ? QStringLiteral("true") : QStringLiteral("false");
-}
-
 } // namespace
 
 Studio::Studio(const PanelKind &kind)
@@ -28,15 +23,7 @@ Studio::Studio(const PanelKind &kind)
     , m_display(kind.screen)
     , m_broker(Broker::Subscriptions)
 {
-    m_program.setEnvironment(
-        QStringLiteral("VELUNOR_TOUCHUI_WIDTH"), QString::number(kind.page.width()));
-    m_program.setEnvironment(
-        QStringLiteral("VELUNOR_TOUCHUI_HEIGHT"), QString::number(kind.page.height()));
-    m_program.setEnvironment(QStringLiteral("VELUNOR_TOUCHUI_SWAPPED"), trueOrFalse(kind.swapped));
-    m_program.setEnvironment(
-        QStringLiteral("VELUNOR_TOUCHUI_ROTATED"), trueOrFalse(!kind.isUpright()));
-    m_program.setEnvironment(
-        QStringLiteral("VELUNOR_TOUCHUI_ROTATION"), QString::number(kind.rotation));
+    m_kind.describeTo(m_program);
     m_program.setEnvironment(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
     m_program.unsetEnvironment(QStringLiteral("QT_QUICK_BACKEND"));
     // Glyphs drawn from distance fields differ in the last bit with their places in the glyph
@@ -54,7 +41,8 @@ bool Studio::start()
         || !startSimulator())
         return false;
     m_program.setEnvironment(QStringLiteral("DISPLAY"), m_display.name());
-    return m_program.startAndWait() && waitForPage(QStringLiteral("Welcome")) && fitWindow();
+    return m_program.startAndWait() && waitForPage(QStringLiteral("Welcome"))
+        && m_kind.fitWindowOf(m_program);
 }
 
 bool Studio::startSimulator()
@@ -70,14 +58,6 @@ bool Studio::startSimulator()
     // Retained from then on, so the program may come when it likes.
     return m_services.waitFor(
         QStringLiteral("Velunor/Controller/remote_control/v4/roon/Roon/coreDetected"), "true");
-}
-
-/** A display server without a window manager does not make a window full-screen. */
-bool Studio::fitWindow()
-{
-    if (m_kind.isUpright())
-        return true;
-    return m_program.probe().resize(m_kind.screen);
 }
 
 bool Studio::act(const QByteArray &action)

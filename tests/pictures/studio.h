@@ -4,7 +4,7 @@
 #include "broker.h"
 #include "brokerclient.h"
 #include "display.h"
-#include "panel_kind.h"
+#include "panelkind.h"
 #include "process.h"
 #include "program.h"
 
@@ -48,7 +48,6 @@ public:
 
 private:
     bool startSimulator();
-    bool fitWindow();
 
     const PanelKind m_kind;
     Display m_display;

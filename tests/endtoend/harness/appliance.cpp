@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "appliance.h"
 
+#include "waiting.h"
+
 namespace {
 
 const QString RemoteControl = "Velunor/Controller/remote_control/v4/";
@@ -29,7 +31,19 @@ bool Appliance::startServices()
 
 bool Appliance::start()
 {
-    return startServices() && program.startAndWait() && waitForPage("RoonPlayerWindow2");
+    return startServices() && program.startAndWait() && skipWelcome()
+        && waitForPage("RoonPlayerWindow2");
+}
+
+bool Appliance::skipWelcome()
+{
+    const bool known = waitUntil([this] {
+        return program.probe().objectProperty(Probe::Target::type("Player"), "playAllowed")
+            == QJsonValue(true);
+    });
+    const Probe::Target welcomeTimer(QJsonObject { { "type", "QTimer" },
+        { "where", QJsonObject { { "interval", 5000 }, { "active", true } } } });
+    return known && program.probe().setObjectProperty(welcomeTimer, "interval", 0);
 }
 
 void Appliance::publishCore(const QString &property, const QByteArray &value)

@@ -28,8 +28,13 @@ public:
 
     /** Starts broker and services and publishes a core and the zone "Kitchen", paused. */
     bool startServices();
-    /** startServices(), then the program; waits until the player page is shown. */
+    /**
+     * startServices(), then the program; waits until the player page is shown.  The welcome page is
+     * cut short.
+     */
     bool start();
+    /** Ends the welcome page once the zone is known: by its timer, but without the wait. */
+    bool skipWelcome();
 
     /** A property of the core, for example "coreDetected". */
     void publishCore(const QString &property, const QByteArray &value);

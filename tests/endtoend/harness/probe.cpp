@@ -170,6 +170,13 @@ QJsonValue Probe::objectProperty(const Target &object, const QString &name)
     return answer[QStringLiteral("objects")][0][QStringLiteral("properties")][name];
 }
 
+bool Probe::setObjectProperty(const Target &object, const QString &name, const QJsonValue &value)
+{
+    return carriedOut({ { QStringLiteral("op"), QStringLiteral("set") },
+        { QStringLiteral("object"), object.selector }, { QStringLiteral("property"), name },
+        { QStringLiteral("value"), value } });
+}
+
 bool Probe::resize(const QSize &size)
 {
     return carriedOut({ { QStringLiteral("op"), QStringLiteral("resize") },

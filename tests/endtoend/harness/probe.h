@@ -83,6 +83,11 @@ public:
      * A property of the first object that matches, for example of the C++ object of type "Player".
      */
     QJsonValue objectProperty(const Target &object, const QString &name);
+    /**
+     * Writes a property of the first object that matches, for example a timer's interval.  False,
+     * with a message, when there is no such object or property.
+     */
+    bool setObjectProperty(const Target &object, const QString &name, const QJsonValue &value);
 
     /** Gives the window another size, as a full-screen platform would.  Waits until it has it. */
     bool resize(const QSize &size);

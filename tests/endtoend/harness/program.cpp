@@ -3,6 +3,9 @@
 
 #include "waiting.h"
 
+#include <QDir>
+#include <QRegularExpression>
+
 #include <csignal>
 #include <cstdio>
 
@@ -26,6 +29,16 @@ bool isForeign(const QString &name)
             return true;
     }
     return false;
+}
+
+/** True for a line of one of our C++ sources; those of QML files and of no file are not. */
+bool isOwn(const LogLine &line)
+{
+    static const QStringList sources = QDir(QStringLiteral(TOUCHUI_SOURCES)).entryList(QDir::Files);
+    // This line of the log tells no place.
+    static const QRegularExpression repetition(
+        QStringLiteral("^[A-Z]+ +last message repeated \\d+ times$"));
+    return sources.contains(line.file) || repetition.match(line.whole).hasMatch();
 }
 
 } // namespace
@@ -61,6 +74,18 @@ Program::~Program()
     printLogOnFailure(0);
     if (QTest::currentTestFailed() && !isRunning())
         std::fprintf(stderr, "It ended with status %d.\n", exitStatus());
+}
+
+bool Program::isQuiet() const
+{
+    for (const LogLine &line : m_log) {
+        if (line.level != QLatin1String("DEBUG") && line.level != QLatin1String("INFO")
+            && !isOwn(line)) {
+            qWarning("complaint in the log: %s", qUtf8Printable(line.whole));
+            return false;
+        }
+    }
+    return true;
 }
 
 void Program::printLogOnFailure(int from) const

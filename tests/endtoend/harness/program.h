@@ -57,6 +57,12 @@ public:
      */
     bool waitForLine(const LogPattern &pattern, int from = 0);
 
+    /**
+     * True when nobody but the program itself has warned so far: neither Qt nor the scene.  Prints
+     * the first such line otherwise.
+     */
+    bool isQuiet() const;
+
     /** Prints the log from this position, where a test of several begins, when that test has
      * failed. */
     void printLogOnFailure(int from) const;

@@ -114,6 +114,8 @@ QJsonObject ProbeServer::answer(const QJsonObject &request)
         return objects(request);
     if (operation == QLatin1String("count"))
         return count(request);
+    if (operation == QLatin1String("set"))
+        return set(request);
     if (operation == QLatin1String("environment")) {
         const QByteArray name = request.value(QLatin1String("name")).toString().toLocal8Bit();
         return { { QStringLiteral("value"),
@@ -245,6 +247,20 @@ QJsonObject ProbeServer::count(const QJsonObject &request)
     if (!selector.isValid())
         return error(QStringLiteral("nothing to count"));
     return { { QStringLiteral("count"), selector.objects().size() } };
+}
+
+QJsonObject ProbeServer::set(const QJsonObject &request)
+{
+    const QList<QObject *> found
+        = Selector(request.value(QLatin1String("object")).toObject()).objects();
+    if (found.isEmpty())
+        return error(QStringLiteral("no such object"));
+    const QByteArray name = request.value(QLatin1String("property")).toString().toLatin1();
+    // Not a property that the object would only get by being written to.
+    if (found.first()->metaObject()->indexOfProperty(name) < 0
+        || !found.first()->setProperty(name, request.value(QLatin1String("value")).toVariant()))
+        return error(QStringLiteral("no such property, or not such a value"));
+    return {};
 }
 
 QJsonObject ProbeServer::grab(const QJsonObject &request, QQuickWindow *window)

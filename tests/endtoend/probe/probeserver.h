@@ -25,6 +25,7 @@ class QTouchDevice;
  *   width, height as seen in the window, its type, and the values of the named "properties".
  * - "objects": the live objects that match "object", with type and named "properties".
  * - "count": how many live objects match "object".
+ * - "set": writes "value" to "property" of the first live object that matches "object".
  * - "grab": writes what the window shows to "file", a path ending in .png; answers width, height.
  * - "resize": asks for the window's size, "width" and "height", at the origin of the screen.
  * - "frames": the frames drawn since the last such request; 0 for the first.
@@ -59,6 +60,7 @@ private:
     static QJsonObject items(const QJsonObject &request, const QQuickWindow *window);
     static QJsonObject objects(const QJsonObject &request);
     static QJsonObject count(const QJsonObject &request);
+    static QJsonObject set(const QJsonObject &request);
     QJsonObject listen(const QJsonObject &request);
     QJsonObject watch(const QJsonObject &request, QQuickWindow *window);
     static QJsonObject grab(const QJsonObject &request, QQuickWindow *window);

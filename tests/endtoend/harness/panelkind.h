@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QPointF>
 #include <QSize>
 #include <QString>
 #include <QVector>
+
+class Program;
 
 /** A panel as it may be built into an appliance: what its screen measures, and how it is mounted.
  */
@@ -15,6 +18,17 @@ struct PanelKind {
     int rotation = 0; ///< degrees; other than 0 for a panel that is mounted turned
 
     bool isUpright() const { return rotation == 0; }
+
+    /** Where on the screen that place of the upright page lies. */
+    QPointF onScreen(const QPointF &place) const;
+
+    /** Before the program starts: tells it which panel it has. */
+    void describeTo(Program &program) const;
+    /**
+     * Gives the window the size of the screen, as a turned panel's program wants it: a display
+     * server without a window manager does not.  False, with a message, without a window.
+     */
+    bool fitWindowOf(Program &program) const;
 };
 
 /** All that the program is meant for; the first two are those of the documents. */
