@@ -84,6 +84,7 @@ void CoverArtTest::init()
     m_appliance->publishZone("state", "playing");
     QVERIFY(m_appliance->services.flush());
     QVERIFY(m_appliance->program.startAndWait());
+    QVERIFY(m_appliance->skipWelcome());
     QVERIFY(m_appliance->waitForPage("RoonPlayerWindow2"));
 }
 
