@@ -4,9 +4,9 @@
 #include "liveobjects.h"
 #include "probeserver.h"
 
-QObject *ProbePlugin::create(const QString &key, const QString &specification)
+QObject *ProbePlugin::create(const QString &key, const QString &arguments)
 {
-    Q_UNUSED(specification)
+    Q_UNUSED(arguments)
     if (key.compare(QLatin1String("touchuiprobe"), Qt::CaseInsensitive) != 0
         || !qEnvironmentVariableIsSet("TOUCHUI_PROBE_SOCKET")) {
         return nullptr;
