@@ -65,6 +65,13 @@ Window {
                             active = true;
                     }
 
+                    // A page that is left while it is being made is finished first: the engine never forgets a page
+                    // that it was kept from finishing.
+                    function unloadIfHidden() {
+                        if (!visible && status !== Loader.Loading)
+                            active = false;
+                    }
+
                     objectName: "loader" + modelData
                     anchors.fill: parent
                     active: false
@@ -76,8 +83,9 @@ Window {
                         if (visible)
                             Navigation.screenChanged(root.currentScreen);
                         else
-                            active = false;
+                            unloadIfHidden();
                     }
+                    onLoaded: Qt.callLater(unloadIfHidden)
                     // Deliberate: the sources never change, so pages come without the slide.
                     onSourceChanged: {
                         if (status === Loader.Ready)

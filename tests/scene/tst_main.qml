@@ -147,6 +147,17 @@ Item {
             compare(alive(), ["Clock"]);
         }
 
+        function test_aPageThatIsLeftWhileItIsBuiltIsFinishedAndThenGoes() {
+            const player = loader("RoonPlayerWindow2");
+            Navigation.setScreen("RoonPlayerWindow2");
+            Navigation.setScreen("Clock");
+            compare(player.status, Loader.Loading);
+            verify(!player.visible);
+            tryCompare(player, "active", false);
+            tryCompare(loader("Clock"), "status", Loader.Ready);
+            compare(alive(), ["Clock"]);
+        }
+
         function test_popupsCloseWithTheirPage_data() {
             return [ { tag: "volume", opener: "volumeBox" }, { tag: "zones", opener: "zoneName" } ];
         }
