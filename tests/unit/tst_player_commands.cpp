@@ -118,8 +118,10 @@ void TestPlayerCommands::cleanup()
 /** What has reached the broker on @p topic since the last call. */
 QList<QByteArray> TestPlayerCommands::sent(const QString &topic)
 {
-    Mqtt::instance()->publish(FenceTopic, "here", false, 1);
-    if (!m_services->waitFor(FenceTopic, "here"))
+    static int fences = 0; // each is another, so that none is taken for one before it
+    const QByteArray fence = QByteArray::number(++fences);
+    Mqtt::instance()->publish(FenceTopic, fence, false, 1);
+    if (!m_services->waitFor(FenceTopic, fence))
         QTest::qFail("the broker does not answer", __FILE__, __LINE__);
     const QList<QByteArray> payloads = m_services->payloads(topic);
     m_services->clear();
