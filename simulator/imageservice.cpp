@@ -64,20 +64,20 @@ bool ImageService::modeOf(const QString &name, Mode *mode)
     return false;
 }
 
-void ImageService::answer(const QByteArray &method, const QByteArray &target, QTcpSocket *socket)
+void ImageService::answer(const Request &request, QTcpSocket *socket)
 {
-    if (method != "GET") {
+    if (request.method != "GET") {
         respond(socket, 405, "text/plain", "only GET here\n");
         return;
     }
     switch (m_mode) {
     case Mode::Normal:
-        answerWithPicture(target, socket);
+        answerWithPicture(request.target, socket);
         return;
     case Mode::Slow:
         // The socket as context: when it has gone meanwhile, so has the answer.
-        QTimer::singleShot(
-            m_delayMs, socket, [target, socket] { answerWithPicture(target, socket); });
+        QTimer::singleShot(m_delayMs, socket,
+            [this, request, socket] { answerWithPicture(request.target, socket); });
         emit told(QStringLiteral("image: answered in %1 ms").arg(m_delayMs));
         return;
     case Mode::Hang:

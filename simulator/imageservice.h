@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "httpservice.h"
+#include "httpserver.h"
 
 #include <QSize>
 
@@ -12,7 +12,7 @@
  * largest square within W × H, "fill" and "stretch" give W × H.  Without a size, the picture is
  * 600 × 600; sizes from 1 to 4096 are served.
  */
-class ImageService : public HttpService {
+class ImageService : public HttpServer {
     Q_OBJECT
 
 public:
@@ -25,7 +25,7 @@ public:
         Garbage ///< status 200, but the body is no picture
     };
 
-    using HttpService::HttpService;
+    using HttpServer::HttpServer;
 
     /** "127.0.0.1:PORT", as the core announces it. */
     QString address() const;
@@ -40,10 +40,10 @@ signals:
     void told(const QString &line);
 
 protected:
-    void answer(const QByteArray &method, const QByteArray &target, QTcpSocket *socket) override;
+    void answer(const Request &request, QTcpSocket *socket) override;
 
 private:
-    static void answerWithPicture(const QByteArray &target, QTcpSocket *socket);
+    void answerWithPicture(const QByteArray &target, QTcpSocket *socket);
 
     Mode m_mode = Mode::Normal;
     int m_delayMs = 0;

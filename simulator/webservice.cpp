@@ -1,27 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "webservice.h"
 
-#include <QTcpSocket>
-
 WebService::WebService(const Installer &install, QObject *parent)
-    : HttpService(parent)
+    : HttpServer(parent)
     , m_install(install)
 {
 }
 
-void WebService::answer(const QByteArray &method, const QByteArray &target, QTcpSocket *socket)
+void WebService::answer(const Request &request, QTcpSocket *socket)
 {
     int status = 200;
     QString outcome = QStringLiteral("accepted");
-    if (target != "/api/install_update_v1") {
+    if (request.target != "/api/install_update_v1") {
         status = 404;
         outcome = QStringLiteral("there is no such page");
-    } else if (method != "POST") {
+    } else if (request.method != "POST") {
         status = 405;
         outcome = QStringLiteral("only POST here");
     } else if (!m_install(&outcome))
         status = 409;
     respond(socket, status, "text/plain", outcome.toUtf8() + '\n');
     emit told(QStringLiteral("web: %1 %2: %3")
-                  .arg(QString::fromLatin1(method), QString::fromLatin1(target), outcome));
+                  .arg(QString::fromLatin1(request.method), QString::fromLatin1(request.target),
+                      outcome));
 }

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "httpservice.h"
+#include "httpserver.h"
 
 #include <functional>
 
 /** Stands in for the appliance's local web service: POST /api/install_update_v1. */
-class WebService : public HttpService {
+class WebService : public HttpServer {
     Q_OBJECT
 
 public:
@@ -20,7 +20,7 @@ signals:
     void told(const QString &line);
 
 protected:
-    void answer(const QByteArray &method, const QByteArray &target, QTcpSocket *socket) override;
+    void answer(const Request &request, QTcpSocket *socket) override;
 
 private:
     Installer m_install;

@@ -8,7 +8,6 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSet>
-#include <QTcpSocket>
 #include <QTest>
 
 #include <memory>
@@ -31,8 +30,6 @@ private slots:
     void garbageIsNoPicture();
     void hangsUntilTheClientLeaves();
     void unknownModeIsRefused();
-    void severalRequestsOnOneConnection();
-    void hugeRequestIsCutOff();
 
 private:
     using Reply = std::unique_ptr<QNetworkReply>;
@@ -206,27 +203,6 @@ void ImageServiceTest::unknownModeIsRefused()
     QCOMPARE(int(mode), int(ImageService::Mode::Garbage));
     QVERIFY(!ImageService::modeOf(QStringLiteral("Garbage"), &mode));
     QVERIFY(!ImageService::modeOf(QString(), &mode));
-}
-
-void ImageServiceTest::severalRequestsOnOneConnection()
-{
-    QTcpSocket socket;
-    socket.connectToHost(QStringLiteral("127.0.0.1"), m_service->port());
-    socket.write("GET /image/a?width=8&height=8 HTTP/1.1\r\n\r\nGET / HTTP/1.1\r\n\r\nGET /ima");
-    QVERIFY(socket.waitForConnected());
-    QByteArray answers;
-    QTRY_VERIFY((answers += socket.readAll()).contains("404"));
-    socket.write("ge/b?width=8&height=8 HTTP/1.1\r\n\r\n");
-    QTRY_COMPARE((answers += socket.readAll()).count("200 OK"), 2);
-}
-
-void ImageServiceTest::hugeRequestIsCutOff()
-{
-    QTcpSocket socket;
-    socket.connectToHost(QStringLiteral("127.0.0.1"), m_service->port());
-    QVERIFY(socket.waitForConnected());
-    socket.write("GET /" + QByteArray(200000, 'x'));
-    QTRY_COMPARE(int(socket.state()), int(QAbstractSocket::UnconnectedState));
 }
 
 QTEST_GUILESS_MAIN(ImageServiceTest)

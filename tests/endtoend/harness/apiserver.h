@@ -1,23 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "httpserver.h"
+#include "recordingserver.h"
 
 /** The appliance's local web service on 127.0.0.1:8080.  Every request gets the same status. */
-class ApiServer : public HttpServer {
+class ApiServer : public RecordingServer {
     Q_OBJECT
 
 public:
-    using HttpServer::HttpServer;
+    using RecordingServer::RecordingServer;
 
     /** False, with a message, when the port is taken. */
-    bool start() { return listen(8080); }
+    bool start();
 
     /** The HTTP status of the answers from now on; 200 at first. */
     void setStatus(int status) { m_status = status; }
 
 protected:
-    void answer(const Request &request, QTcpSocket *socket) override;
+    void reply(const Request &request, QTcpSocket *socket) override;
 
 private:
     int m_status = 200;

@@ -30,10 +30,10 @@ QByteArray picture(const QColor &colour, const char *format)
 } // namespace
 
 ImageServer::ImageServer(QObject *parent)
-    : HttpServer(parent)
+    : RecordingServer(parent)
 {
     if (!listen(0))
-        qFatal("the image server cannot be started");
+        qFatal("the image server cannot be started: %s", qUtf8Printable(errorText()));
 }
 
 QByteArray ImageServer::address() const
@@ -49,28 +49,28 @@ int ImageServer::requestsFor(const QString &key) const
     return found;
 }
 
-void ImageServer::answer(const Request &request, QTcpSocket *socket)
+void ImageServer::reply(const Request &request, QTcpSocket *socket)
 {
     const auto behaviour = m_behaviours.find(keyOf(request));
     if (behaviour == m_behaviours.end()) {
-        send(socket, 404, "text/plain", "no such picture");
+        respond(socket, 404, "text/plain", "no such picture");
         return;
     }
     if (behaviour->failures > 0) {
         --behaviour->failures;
-        send(socket, 500, "text/plain", "not now");
+        respond(socket, 500, "text/plain", "not now");
         return;
     }
     // The socket as context: nothing is answered any more once the client has gone.
     const Behaviour chosen = *behaviour;
-    QTimer::singleShot(chosen.delayMs, socket, [chosen, socket] { behave(chosen, socket); });
+    QTimer::singleShot(chosen.delayMs, socket, [this, chosen, socket] { behave(chosen, socket); });
 }
 
 void ImageServer::behave(const Behaviour &behaviour, QTcpSocket *socket)
 {
     switch (behaviour.kind) {
     case Behaviour::Picture:
-        send(socket, 200, QByteArray("image/") + QByteArray(behaviour.format).toLower(),
+        respond(socket, 200, QByteArray("image/") + QByteArray(behaviour.format).toLower(),
             picture(behaviour.colour, behaviour.format));
         break;
     case Behaviour::Hang:
@@ -79,10 +79,10 @@ void ImageServer::behave(const Behaviour &behaviour, QTcpSocket *socket)
         socket->abort();
         break;
     case Behaviour::Trouble:
-        send(socket, 500, "text/plain", "trouble");
+        respond(socket, 500, "text/plain", "trouble");
         break;
     case Behaviour::Garbage:
-        send(socket, 200, "image/jpeg", "this is no picture");
+        respond(socket, 200, "image/jpeg", "this is no picture");
         break;
     }
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "httpserver.h"
+#include "recordingserver.h"
 
 #include <QColor>
 #include <QMap>
@@ -10,7 +10,7 @@
  * The music server's image service on a free loopback port, with a behaviour for each image key.  A
  * key without one is answered with status 404.
  */
-class ImageServer : public HttpServer {
+class ImageServer : public RecordingServer {
     Q_OBJECT
 
 public:
@@ -45,10 +45,10 @@ public:
     int requestsFor(const QString &key) const;
 
 protected:
-    void answer(const Request &request, QTcpSocket *socket) override;
+    void reply(const Request &request, QTcpSocket *socket) override;
 
 private:
-    static void behave(const Behaviour &behaviour, QTcpSocket *socket);
+    void behave(const Behaviour &behaviour, QTcpSocket *socket);
 
     QMap<QString, Behaviour> m_behaviours;
 };
