@@ -30,7 +30,7 @@ QString word(QtMsgType level)
 
 } // namespace
 
-QString LogLine::labelled() const
+QString LogMessage::labelled() const
 {
     return word(level) + QStringLiteral(": ") + text;
 }
@@ -46,7 +46,7 @@ LogCapture::~LogCapture()
 {
     qInstallMessageHandler(m_former);
     current = m_outer;
-    for (const LogLine &line : lines()) {
+    for (const LogMessage &line : lines()) {
         if (line.level == QtDebugMsg || line.level == QtInfoMsg)
             continue;
         const QString complaint = QStringLiteral("unexpected message, %1(%2): %3")
@@ -55,7 +55,7 @@ LogCapture::~LogCapture()
     }
 }
 
-QList<LogLine> LogCapture::lines() const
+QList<LogMessage> LogCapture::lines() const
 {
     QMutexLocker locker(&m_mutex);
     return m_lines;
@@ -65,8 +65,8 @@ QStringList LogCapture::take(const QString &file)
 {
     QMutexLocker locker(&m_mutex);
     QStringList taken;
-    QList<LogLine> left;
-    for (const LogLine &line : qAsConst(m_lines)) {
+    QList<LogMessage> left;
+    for (const LogMessage &line : qAsConst(m_lines)) {
         if (file.isEmpty() || line.file == file)
             taken.append(line.labelled());
         else
@@ -85,7 +85,7 @@ int LogCapture::count(const QString &labelled) const
 {
     QMutexLocker locker(&m_mutex);
     int found = 0;
-    for (const LogLine &line : m_lines) {
+    for (const LogMessage &line : m_lines) {
         if (line.labelled() == labelled)
             ++found;
     }

@@ -8,7 +8,7 @@
 #include <QtGlobal>
 
 /** One message as the Qt message functions delivered it. */
-struct LogLine {
+struct LogMessage {
     QtMsgType level;
     QString file; // without the directory
     int line;
@@ -33,7 +33,7 @@ public:
     ~LogCapture();
 
     /** Everything that was not taken yet. */
-    QList<LogLine> lines() const;
+    QList<LogMessage> lines() const;
 
     /** Takes all lines, labelled; with @p file (as "roon.cpp") only the lines logged there. */
     QStringList take(const QString &file = QString());
@@ -51,7 +51,7 @@ private:
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &text);
 
     mutable QMutex m_mutex;
-    QList<LogLine> m_lines;
+    QList<LogMessage> m_lines;
     LogCapture *const m_outer;
     QtMessageHandler m_former;
 };

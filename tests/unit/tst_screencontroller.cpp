@@ -183,7 +183,7 @@ void TestScreenController::constructorLogsEveryStepInOrder()
     QVERIFY(!controller.parent());
     const QString file = constructorLine(QStringLiteral("SysFile"));
     QStringList lines;
-    for (const LogLine &line : m_log->lines()) {
+    for (const LogMessage &line : m_log->lines()) {
         if (line.file == Source || line.file == QLatin1String("sysfile.cpp"))
             lines.append(line.labelled());
     }
