@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "listener.h"
+#include "address.h"
 
 #include <QtTest/QtTest>
 
@@ -9,8 +10,7 @@ constexpr int PatienceMs = 20000;
 
 Listener::Listener(quint16 port)
 {
-    client.setHostname(QStringLiteral("127.0.0.1"));
-    client.setPort(port);
+    aim(&client, port);
     QObject::connect(&client, &QMqttClient::messageReceived, &client,
         [this](const QByteArray &payload, const QMqttTopicName &topic) {
             received.append({ topic.name(), payload });

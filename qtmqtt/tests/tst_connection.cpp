@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "address.h"
 #include "fakebroker.h"
 #include "qmqttconnection_p.h"
 #include "signallog.h"
@@ -6,13 +7,11 @@
 #include "testbroker.h"
 
 #include <QtCore/QDir>
-#include <QtNetwork/QTcpServer>
 #include <QtNetwork/QTcpSocket>
 #include <QtTest/QtTest>
 
 namespace {
 constexpr int PatienceMs = 20000;
-const QString LocalHost = QStringLiteral("127.0.0.1");
 
 const QStringList Attempt { "stateChanged(Connecting)" };
 const QStringList Success { "stateChanged(Connected)", "connected" };
@@ -25,23 +24,9 @@ QStringList failure(const QString &error)
 
 const QStringList Loss = failure("TransportInvalid");
 
-/** A port on which nobody listens. */
-quint16 deafPort()
-{
-    QTcpServer server;
-    server.listen(QHostAddress::LocalHost);
-    return server.serverPort();
-}
-
 int openDescriptors()
 {
     return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size();
-}
-
-void aim(QMqttClient *client, quint16 port)
-{
-    client->setHostname(LocalHost);
-    client->setPort(port);
 }
 } // namespace
 
@@ -236,7 +221,7 @@ void TestConnection::settersAreIgnoredUnlessDisconnected()
     client.setKeepAlive(7);
     QCOMPARE(port.count(), 0);
     QCOMPARE(client.port(), peer.port());
-    QCOMPARE(client.hostname(), LocalHost);
+    QCOMPARE(client.hostname(), QStringLiteral("127.0.0.1"));
     QVERIFY(client.clientId() != "other");
     QCOMPARE(client.keepAlive(), quint16(60));
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "address.h"
 #include "fakebroker.h"
 #include "signallog.h"
 #include "testbroker.h"
@@ -12,12 +13,6 @@
 namespace {
 constexpr int PatienceMs = 60000;
 constexpr quint16 ShortestKeepAlive = 5; // seconds
-
-void aim(QMqttClient *client, quint16 port)
-{
-    client->setHostname(QStringLiteral("127.0.0.1"));
-    client->setPort(port);
-}
 
 /** How often threads of this process have gone to sleep of their own accord. */
 int timesAsleep()

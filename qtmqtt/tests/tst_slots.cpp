@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "address.h"
 #include "fakebroker.h"
 #include "listener.h"
 #include "signallog.h"
@@ -6,7 +7,6 @@
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>
-#include <QtNetwork/QTcpServer>
 #include <QtTest/QtTest>
 
 #include <functional>
@@ -17,19 +17,6 @@ constexpr int PatienceMs = 20000;
 
 const QStringList Loss { "stateChanged(Disconnected)", "disconnected",
     "errorChanged(TransportInvalid)" };
-
-void aim(QMqttClient *client, quint16 port)
-{
-    client->setHostname(QStringLiteral("127.0.0.1"));
-    client->setPort(port);
-}
-
-quint16 deafPort()
-{
-    QTcpServer server;
-    server.listen(QHostAddress::LocalHost);
-    return server.serverPort();
-}
 
 /** Runs an event loop until the condition holds. */
 bool waitInside(const std::function<bool()> &condition)

@@ -3,7 +3,7 @@
 #include "logcapture.h"
 #include "metatable.h"
 #include "mqtt.h"
-#include "navigationcontroller.h"
+#include "playertest.h"
 #include "roon.h"
 #include "roonzones.h"
 #include "settings.h"
@@ -13,8 +13,6 @@
 #include <QMetaProperty>
 #include <QRegularExpression>
 #include <QTest>
-
-#include <memory>
 
 namespace {
 
@@ -38,13 +36,11 @@ QVariantMap snapshot(const Player &player)
 
 } // namespace
 
-class TestPlayer : public QObject {
+class TestPlayer : public PlayerTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void init();
-    void cleanup();
 
     void metaObjectIsTheInterface();
     void startValues();
@@ -80,48 +76,13 @@ private slots:
     void imageAddressesAreBuiltOnEachRead_data();
     void imageAddressesAreBuiltOnEachRead();
     void connectionStateNotifiesOnlyOnAChange();
-
-private:
-    QStringList lines() { return m_log->take(QStringLiteral("player.cpp")); }
-
-    std::unique_ptr<LogCapture> m_log;
-    std::unique_ptr<Player> m_player;
-    std::unique_ptr<SignalRecorder> m_signals;
-    RoonZone *m_zone = nullptr; // the collection's
 };
-
-void TestPlayer::initTestCase()
-{
-    // No broker: the attempt to connect fails, and its lines are over, before the first test.
-    qputenv("VELUNOR_TOUCHUI_CONTROL_ZONE", "Kitchen");
-    NavigationController::instance();
-    const auto *const client = Mqtt::instance()->findChild<QMqttClient *>();
-    QTRY_COMPARE(client->error(), QMqttClient::TransportInvalid);
-}
 
 void TestPlayer::init()
 {
-    m_log = std::make_unique<LogCapture>();
     Settings::instance()->setScrolling(true);
     Settings::instance()->setTimeFormat(true);
-    RoonZones::instance()->updateAvailableZones("[]");
-    RoonZones::instance()->updateAvailableZones(KitchenIsAvailable);
-    m_zone = new RoonZone(QStringLiteral("z1"));
-    QVERIFY(RoonZones::instance()->add(m_zone));
-    m_zone->setName(QStringLiteral("Kitchen"));
-    qputenv("VELUNOR_TOUCHUI_CONTROL_ZONE", "Kitchen");
-    m_player = std::make_unique<Player>();
-    m_signals = std::make_unique<SignalRecorder>(m_player.get());
-    m_log->clear();
-}
-
-void TestPlayer::cleanup()
-{
-    m_signals.reset();
-    m_player.reset();
-    QCoreApplication::processEvents(); // the queued evaluations of the navigation
-    m_log->clear();                    // what a test has to say about the log, it has said
-    m_log.reset();
+    PlayerTest::init();
 }
 
 void TestPlayer::metaObjectIsTheInterface()

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "logcapture.h"
 #include "mqtt.h"
-#include "navigationcontroller.h"
 #include "player.h"
+#include "playertest.h"
 #include "roonzones.h"
 #include "signalrecorder.h"
 
@@ -10,7 +10,6 @@
 
 #include <cmath>
 #include <limits>
-#include <memory>
 
 namespace {
 
@@ -25,13 +24,11 @@ const QStringList RangeSignals { "minVolumeChanged", "maxVolumeChanged", "limitM
 
 } // namespace
 
-class TestPlayerVolume : public QObject {
+class TestPlayerVolume : public PlayerTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void init();
-    void cleanup();
 
     void smallChangesOfTheVolumeAreSkipped_data();
     void smallChangesOfTheVolumeAreSkipped();
@@ -45,46 +42,14 @@ private slots:
     void rangeIsNotifiedOnEveryUpdate();
     void volumeThatGoesAwayKeepsItsNumbers();
     void zoneWithoutVolumeChangesNoNumber();
-
-private:
-    QStringList lines() { return m_log->take(QStringLiteral("player.cpp")); }
-
-    std::unique_ptr<LogCapture> m_log;
-    std::unique_ptr<Player> m_player;
-    std::unique_ptr<SignalRecorder> m_signals;
-    RoonZone *m_zone = nullptr; // the collection's
 };
-
-void TestPlayerVolume::initTestCase()
-{
-    // No broker: the attempt to connect fails, and its lines are over, before the first test.
-    qputenv("VELUNOR_TOUCHUI_CONTROL_ZONE", "Kitchen");
-    NavigationController::instance();
-    const auto *const client = Mqtt::instance()->findChild<QMqttClient *>();
-    QTRY_COMPARE(client->error(), QMqttClient::TransportInvalid);
-}
 
 void TestPlayerVolume::init()
 {
-    m_log = std::make_unique<LogCapture>();
-    RoonZones::instance()->updateAvailableZones("[]");
-    RoonZones::instance()->updateAvailableZones(R"([{"id":"z1","name":"Kitchen"}])");
-    m_zone = new RoonZone(QStringLiteral("z1"));
-    QVERIFY(RoonZones::instance()->add(m_zone));
-    m_zone->setName(QStringLiteral("Kitchen"));
-    m_player = std::make_unique<Player>();
+    PlayerTest::init();
     m_player->update();
-    m_signals = std::make_unique<SignalRecorder>(m_player.get());
+    m_signals->take();
     m_log->clear();
-}
-
-void TestPlayerVolume::cleanup()
-{
-    m_signals.reset();
-    m_player.reset();
-    QCoreApplication::processEvents(); // the queued evaluations of the navigation
-    m_log->clear();                    // what a test has to say about the log, it has said
-    m_log.reset();
 }
 
 void TestPlayerVolume::smallChangesOfTheVolumeAreSkipped_data()
