@@ -2,6 +2,7 @@
 #include "address.h"
 #include "fakebroker.h"
 #include "qmqttconnection_p.h"
+#include "resolver.h"
 #include "signallog.h"
 #include "stubbornlistener.h"
 #include "testbroker.h"
@@ -52,6 +53,7 @@ private Q_SLOTS:
 
     void successfulConnection();
     void nameIsLookedUpInTheBackground();
+    void deletedDuringTheLookupIsSilent();
     void refusedConnection();
     void unknownHostName();
     void missingAddressFailsAtOnce();
@@ -278,13 +280,39 @@ void TestConnection::successfulConnection()
 
 void TestConnection::nameIsLookedUpInTheBackground()
 {
+    Resolver resolver("known.test", "127.0.0.1");
     QMqttClient client;
     aim(&client, m_broker.port());
-    client.setHostname("localhost");
+    client.setHostname("known.test");
     SignalLog log(&client);
     client.connectToHost();
     QCOMPARE(log.take(), Attempt);
+    QTRY_VERIFY(resolver.isAsked());
+    QCOMPARE(log.take(), QStringList());
+    resolver.release();
     TRY_LOG(log, Success);
+}
+
+void TestConnection::deletedDuringTheLookupIsSilent()
+{
+    Resolver resolver("slow.test", "127.0.0.1");
+    FakeBroker peer;
+    auto client = std::make_unique<QMqttClient>();
+    aim(client.get(), peer.port());
+    client->setHostname("slow.test");
+    client->connectToHost();
+    QTRY_VERIFY(resolver.isAsked());
+    SignalLog log(client.get());
+    client.reset();
+    resolver.release();
+    // Lookups of one name share their outcome, so when a later one knows it, the earlier one does.
+    QMqttClient other;
+    aim(&other, peer.port());
+    other.setHostname("slow.test");
+    other.connectToHost();
+    QTRY_COMPARE(other.state(), QMqttClient::Connected);
+    QCOMPARE(log.take(), QStringList());
+    QCOMPARE(peer.connections(), 1);
 }
 
 void TestConnection::refusedConnection()
@@ -303,9 +331,11 @@ void TestConnection::refusedConnection()
 
 void TestConnection::unknownHostName()
 {
+    Resolver resolver("nobody.test");
+    resolver.release();
     QMqttClient client;
     aim(&client, m_broker.port());
-    client.setHostname("nobody.invalid");
+    client.setHostname("nobody.test");
     SignalLog log(&client);
     client.connectToHost();
     QCOMPARE(log.take(), Attempt);
