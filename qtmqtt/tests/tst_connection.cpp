@@ -11,6 +11,10 @@
 #include <QtNetwork/QTcpSocket>
 #include <QtTest/QtTest>
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
 namespace {
 constexpr int PatienceMs = 20000;
 
@@ -24,6 +28,27 @@ QStringList failure(const QString &error)
 }
 
 const QStringList Loss = failure("TransportInvalid");
+
+/** The descriptor of this process's connection to a port; -1 if there is none. */
+int descriptorOfConnectionTo(quint16 port)
+{
+    for (const QString &name : QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System)) {
+        sockaddr_in peer = {};
+        socklen_t size = sizeof peer;
+        if (getpeername(name.toInt(), reinterpret_cast<sockaddr *>(&peer), &size) == 0
+            && peer.sin_family == AF_INET && ntohs(peer.sin_port) == port)
+            return name.toInt();
+    }
+    return -1;
+}
+
+/** An option of a TCP socket; -1 if it cannot be read. */
+int tcpOption(int descriptor, int option)
+{
+    int value = -1;
+    socklen_t size = sizeof value;
+    return getsockopt(descriptor, IPPROTO_TCP, option, &value, &size) == 0 ? value : -1;
+}
 
 int openDescriptors()
 {
@@ -70,6 +95,7 @@ private Q_SLOTS:
     void foreignProtocolIsAViolation();
     void answerInPiecesIsUnderstood();
     void acceptedAndClosedAtOnceIsLost();
+    void smallPacketsWaitForNothing();
 
     void killedBroker();
     void stoppedBroker();
@@ -533,6 +559,28 @@ void TestConnection::acceptedAndClosedAtOnceIsLost()
     SignalLog log(&client);
     client.connectToHost();
     TRY_LOG(log, Attempt + Success + QStringList { "message last words" } + Loss);
+}
+
+/** Neither for the acknowledgement of the packet before, nor the broker for ours. */
+void TestConnection::smallPacketsWaitForNothing()
+{
+    FakeBroker peer;
+    QMqttClient client;
+    aim(&client, peer.port());
+    QSignalSpy received(&client, &QMqttClient::messageReceived);
+    client.connectToHost();
+    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    const int socket = descriptorOfConnectionTo(peer.port());
+    QVERIFY(socket >= 0);
+    QCOMPARE(tcpOption(socket, TCP_NODELAY), 1);
+    // Answering at once makes the kernel delay acknowledgements, unless it is told again each time.
+    for (int round = 1; round <= 10; ++round) {
+        peer.send(FakeBroker::message("t", "question"));
+        QTRY_COMPARE(received.count(), round);
+        QCOMPARE(tcpOption(socket, TCP_QUICKACK), 1);
+        client.publish(QLatin1String("t"), "answer");
+        QTRY_COMPARE(peer.count(FakeBroker::Publish), round);
+    }
 }
 
 void TestConnection::killedBroker()
