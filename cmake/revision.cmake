@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # touchui_revision: an interface target that offers "revision.h" with the commit being built.  The header is
 # looked at on every build and rewritten only when the commit has changed.  Run with -P it writes the header.
+# An archive made by git knows its commit by revision.txt; any other tree without git gets zeros.
 if(CMAKE_SCRIPT_MODE_FILE)
     cmake_minimum_required(VERSION 3.18)
     set(revision "")
@@ -13,12 +14,16 @@ if(CMAKE_SCRIPT_MODE_FILE)
     execute_process(COMMAND ${git} rev-parse --show-prefix
         OUTPUT_VARIABLE prefix OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
     if(NOT revision MATCHES "^[0-9a-f]+$" OR prefix)
+        # What git has written into an archive of a commit; as it is, it names none.
+        file(STRINGS ${CMAKE_CURRENT_LIST_DIR}/revision.txt revision LIMIT_COUNT 1)
+    endif()
+    if(NOT revision MATCHES "^[0-9a-f]+$")
         string(REPEAT "0" 40 revision)
     endif()
     file(CONFIGURE OUTPUT "${OUTPUT}" CONTENT "// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-/** The commit this program was built from; zeros when it was not built from a checkout. */
+/** The commit this program was built from; zeros when that is not known. */
 constexpr char BuildRevision[] = \"${revision}\";
 ")
     return()

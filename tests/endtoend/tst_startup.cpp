@@ -7,6 +7,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -41,6 +43,7 @@ class StartupTest : public QObject {
 
 private slots:
     void logsEveryStepInOrder();
+    void namesTheCommitItWasBuiltFrom();
     void hidesDebugLinesByDefault();
     void onlyTheWordInSmallLettersEnablesDebug_data();
     void onlyTheWordInSmallLettersEnablesDebug();
@@ -107,6 +110,31 @@ void StartupTest::logsEveryStepInOrder()
     QCOMPARE(afterTheScene,
         QStringList({ QStringLiteral("DEBUG SystemdWatchdog::notifyReady()"),
             QStringLiteral("INFO  Entering main event loop...") }));
+}
+
+void StartupTest::namesTheCommitItWasBuiltFrom()
+{
+    const QString checkout = QStringLiteral(TOUCHUI_CHECKOUT);
+    QProcess git;
+    git.start(QStringLiteral("git"),
+        { QStringLiteral("-c"), QStringLiteral("safe.directory=*"), QStringLiteral("-C"), checkout,
+            QStringLiteral("rev-parse"), QStringLiteral("HEAD") });
+    QVERIFY2(git.waitForFinished(), "git is missing");
+    // In an unpacked archive any commit will do; tst_revision tells which.
+    QString expected = QStringLiteral("[0-9a-f]{40}");
+    if (QFileInfo::exists(checkout + QStringLiteral("/.git")))
+        expected = QString::fromLatin1(git.readAllStandardOutput()).trimmed();
+    QVERIFY2(!expected.isEmpty(), git.readAllStandardError().constData());
+
+    Program program;
+    program.unsetEnvironment(QStringLiteral("TOUCHUI_DEBUG"));
+    QVERIFY(program.startAndWait());
+    const QString line = program.log().first().text;
+    const QRegularExpression form(QRegularExpression::anchoredPattern(
+        QStringLiteral("Starting up revision: %1, with Qt version: 5\\.15\\.19").arg(expected)));
+    QVERIFY2(form.match(line).hasMatch(),
+        qPrintable(line + QStringLiteral("\nand the checkout is at ") + expected
+            + QStringLiteral(".  Was it built since?")));
 }
 
 void StartupTest::hidesDebugLinesByDefault()
