@@ -3,6 +3,7 @@
 #include "broker.h"
 #include "brokerclient.h"
 #include "logcapture.h"
+#include "markdowntable.h"
 #include "metatable.h"
 #include "mqtt.h"
 #include "panel.h"
@@ -180,6 +181,11 @@ private slots:
     void wholeCycle();
     void transitionTable_data();
     void transitionTable();
+
+    void documentedDecisions_data();
+    void documentedDecisions();
+    void documentedEvents_data();
+    void documentedEvents();
 
 private:
     void become(Situation situation, bool updating = false);
@@ -1266,6 +1272,100 @@ void TestNavigationController::transitionTable()
         QCOMPARE(reports.isEmpty() ? before : reports.last(), report.isEmpty() ? before : report);
         m_log->clear();
     }
+}
+
+void TestNavigationController::documentedDecisions_data()
+{
+    QTest::addColumn<QString>("situation");
+    QTest::addColumn<int>("from");
+    QTest::addColumn<QString>("cell");
+    const QList<QStringList> table
+        = markdownTable(QStringLiteral(TOUCHUI_ARCHITECTURE), QStringLiteral("Situation"));
+    QCOMPARE(table.size(), 5);
+    const QStringList &heads = table.first();
+    QCOMPARE(heads.size(), 1 + ScreenNames.size());
+    for (const QString &head : heads.mid(1)) { // a number, and words that are in the page's name
+        const QString name = ScreenNames.value(head.section(QLatin1Char(' '), 0, 0).toInt());
+        const QString words = head.section(QLatin1Char(' '), 1).remove(QLatin1Char(' '));
+        QVERIFY2(name.contains(words, Qt::CaseInsensitive), qPrintable(head));
+    }
+    for (const QStringList &row : table.mid(1)) {
+        for (int column = 1; column < heads.size(); ++column)
+            QTest::addRow("%s, %s", qUtf8Printable(row.value(0)), qUtf8Printable(heads.at(column)))
+                << row.value(0) << heads.at(column).section(QLatin1Char(' '), 0, 0).toInt()
+                << row.value(column);
+    }
+}
+
+void TestNavigationController::documentedDecisions()
+{
+    QFETCH(QString, situation);
+    QFETCH(int, from);
+    QFETCH(QString, cell);
+    const QMap<QString, QList<Situation>> meanings {
+        { QStringLiteral("failure"), { NoRemoteService, NoCore, NeitherServiceNorCore } },
+        { QStringLiteral("zone found"), { ZoneFound } },
+        { QStringLiteral("zone missing"), { ZoneMissing } },
+        { QStringLiteral("any, while an update is installed"), SituationNames.keys() },
+    };
+    const bool updating = situation.contains(QLatin1String("update"));
+    QVERIFY2(meanings.contains(situation), qPrintable(situation));
+    for (const Situation meaning : meanings.value(situation)) {
+        for (const bool resumed : { false, true }) {
+            const QString next = cell == QLatin1String("wake")
+                ? QStringLiteral("%1").arg(resumed ? 11 : from)
+                : cell == QStringLiteral("—") ? QString::number(from)
+                                              : cell;
+            become(ZoneFound);
+            Player::instance()->setRoonState(QStringLiteral("init"));
+            makeNavigation();
+            Player::instance()->setRoonState(QStringLiteral("paused"));
+            m_navigation->navigate(static_cast<Navigation::Screen>(from));
+            become(meaning, updating);
+            if (resumed)
+                Player::instance()->setRoonState(QStringLiteral("playing"));
+            else
+                m_navigation->updateState();
+            QCOMPARE(QString::number(screen()), next);
+            m_log->clear();
+        }
+    }
+}
+
+void TestNavigationController::documentedEvents_data()
+{
+    QTest::addColumn<QString>("from");
+    QTest::addColumn<QString>("slot");
+    QTest::addColumn<QStringList>("next"); // as a rule, in a failure, without the clock
+    const QList<QStringList> table
+        = markdownTable(QStringLiteral(TOUCHUI_ARCHITECTURE), QStringLiteral("Screen"));
+    QVERIFY(table.size() > 1);
+    for (const QStringList &row : table.mid(1)) {
+        const QString slot = row.value(1).section(QLatin1Char('`'), 1, 1).remove("()");
+        for (const QString &from : row.first().split(QStringLiteral(", ")))
+            QTest::addRow("%s, %s", qUtf8Printable(from), qUtf8Printable(slot))
+                << from << slot << QStringList(row.mid(2));
+    }
+}
+
+void TestNavigationController::documentedEvents()
+{
+    QFETCH(QString, from);
+    QFETCH(QString, slot);
+    QFETCH(QStringList, next);
+    QVERIFY2(ScreenNames.contains(from.toInt()), qPrintable(from));
+    QStringList seen;
+    for (const auto &[situation, withoutClock] :
+        { qMakePair(ZoneFound, false), qMakePair(NoCore, false), qMakePair(ZoneFound, true) }) {
+        become(situation);
+        Settings::instance()->setBlankScreen(withoutClock);
+        makeNavigation(from.toInt());
+        QVERIFY2(QMetaObject::invokeMethod(m_navigation.get(), slot.toLatin1().constData()),
+            qPrintable(slot));
+        seen.append(QString::number(screen()));
+        m_log->clear();
+    }
+    QCOMPARE(seen, next);
 }
 
 QTEST_GUILESS_MAIN(TestNavigationController)
