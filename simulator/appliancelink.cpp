@@ -53,6 +53,7 @@ void ApplianceLink::publish(const QString &topic, const QByteArray &payload, boo
 void ApplianceLink::becomeConnected()
 {
     m_wasConnected = true;
+    m_isConnected = true;
     // The commands first: nobody who sees a zone shall find it deaf.
     m_client.subscribe(QMqttTopicFilter(Topics::command()), 1);
     m_client.subscribe(QMqttTopicFilter(Topics::display() + QLatin1Char('#')), 1);
@@ -71,9 +72,11 @@ void ApplianceLink::becomeDisconnected()
         emit unreachable();
         return;
     }
-    if (!m_retry.isActive())
-        emit connectionLost();
     m_retry.start();
+    if (m_isConnected) { // and not merely still without a broker
+        m_isConnected = false;
+        emit connectionLost();
+    }
 }
 
 void ApplianceLink::receive(const QByteArray &payload, const QMqttTopicName &topic)

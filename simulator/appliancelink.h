@@ -30,6 +30,7 @@ public:
 signals:
     /** Emitted for the first connection and again each time the broker has come back. */
     void connected();
+    /** Emitted once each time, however long it stays away. */
     void connectionLost();
     /** The first connection could not be made; there will be no other attempt. */
     void unreachable();
@@ -50,7 +51,8 @@ private:
 
     QMqttClient m_client;
     QTimer m_retry;
-    bool m_wasConnected = false;
+    bool m_wasConnected = false; ///< ever
+    bool m_isConnected = false;
     QStringList m_retainedTopics; ///< in the order in which they were first published
     QHash<QString, QByteArray> m_retained;
     QVector<Message> m_waiting; ///< not retained, published before the first connection
