@@ -4,10 +4,13 @@
 #include "coverart.h"
 
 #include <QBuffer>
-#include <QTcpSocket>
+#include <QSize>
 #include <QTimer>
 #include <QUrl>
 #include <QUrlQuery>
+
+#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -51,6 +54,12 @@ void ImageService::setMode(Mode mode, int delayMs)
 {
     m_mode = mode;
     m_delayMs = delayMs;
+    // A display without a time-out of its own would wait for the picture for ever.
+    const QVector<Waiting> hanging = std::exchange(m_hanging, {});
+    for (const Waiting &waiting : hanging) {
+        if (waiting.socket)
+            answerByMode(waiting.target, waiting.socket);
+    }
 }
 
 bool ImageService::modeOf(const QString &name, Mode *mode)
@@ -70,17 +79,26 @@ void ImageService::answer(const Request &request, QTcpSocket *socket)
         respond(socket, 405, "text/plain", "only GET here\n");
         return;
     }
+    answerByMode(request.target, socket);
+}
+
+void ImageService::answerByMode(const QByteArray &target, QTcpSocket *socket)
+{
     switch (m_mode) {
     case Mode::Normal:
-        answerWithPicture(request.target, socket);
+        answerWithPicture(target, socket);
         return;
     case Mode::Slow:
         // The socket as context: when it has gone meanwhile, so has the answer.
-        QTimer::singleShot(m_delayMs, socket,
-            [this, request, socket] { answerWithPicture(request.target, socket); });
+        QTimer::singleShot(
+            m_delayMs, socket, [this, target, socket] { answerWithPicture(target, socket); });
         emit told(QStringLiteral("image: answered in %1 ms").arg(m_delayMs));
         return;
     case Mode::Hang:
+        m_hanging.erase(std::remove_if(m_hanging.begin(), m_hanging.end(),
+                            [](const Waiting &waiting) { return !waiting.socket; }),
+            m_hanging.end());
+        m_hanging.append({ target, socket });
         emit told(QStringLiteral("image: left without an answer"));
         return;
     case Mode::Fail:

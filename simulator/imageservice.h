@@ -3,7 +3,9 @@
 
 #include "httpserver.h"
 
-#include <QSize>
+#include <QPointer>
+#include <QTcpSocket>
+#include <QVector>
 
 /**
  * Stands in for the music server's image service: GET /image/KEY?scale=S&width=W&height=H.
@@ -19,7 +21,7 @@ public:
     enum class Mode {
         Normal,
         Slow,   ///< answers after a delay
-        Hang,   ///< never answers, the connection stays open
+        Hang,   ///< no answer until another mode is set, the connection stays open
         Fail,   ///< status 500
         Drop,   ///< closes the connection without an answer
         Garbage ///< status 200, but the body is no picture
@@ -30,7 +32,10 @@ public:
     /** "127.0.0.1:PORT", as the core announces it. */
     QString address() const;
 
-    /** How requests are answered from now on; the delay, in milliseconds, counts for Slow. */
+    /**
+     * How requests are answered from now on, also those that hang; the delay, in milliseconds,
+     * counts for Slow.
+     */
     void setMode(Mode mode, int delayMs = 0);
     /** The mode of a name like "slow"; false for an unknown one. */
     static bool modeOf(const QString &name, Mode *mode);
@@ -43,8 +48,15 @@ protected:
     void answer(const Request &request, QTcpSocket *socket) override;
 
 private:
+    struct Waiting {
+        QByteArray target;
+        QPointer<QTcpSocket> socket; ///< null once the client has left
+    };
+
+    void answerByMode(const QByteArray &target, QTcpSocket *socket);
     void answerWithPicture(const QByteArray &target, QTcpSocket *socket);
 
     Mode m_mode = Mode::Normal;
     int m_delayMs = 0;
+    QVector<Waiting> m_hanging;
 };

@@ -29,6 +29,7 @@ private slots:
     void dropsTheConnection();
     void garbageIsNoPicture();
     void hangsUntilTheClientLeaves();
+    void hangingRequestsAreAnsweredAfterwards();
     void unknownModeIsRefused();
 
 private:
@@ -194,6 +195,29 @@ void ImageServiceTest::hangsUntilTheClientLeaves()
     const Reply again = get(QStringLiteral("/image/abc"));
     QVERIFY(finished(again));
     QCOMPARE(status(again), 200);
+}
+
+void ImageServiceTest::hangingRequestsAreAnsweredAfterwards()
+{
+    m_service->setMode(ImageService::Mode::Hang);
+    const Reply first = get(QStringLiteral("/image/abc?width=7"));
+    const Reply second = get(QStringLiteral("/image/def?width=8"));
+    Reply gone = get(QStringLiteral("/image/ghi?width=9"));
+    QTest::qWait(100); // nothing may come, so there is nothing to wait for
+    QVERIFY(!first->isFinished());
+    gone.reset();
+    m_service->setMode(ImageService::Mode::Normal);
+    QVERIFY(finished(first));
+    QCOMPARE(QImage::fromData(first->readAll()).width(), 7);
+    QVERIFY(finished(second));
+    QCOMPARE(QImage::fromData(second->readAll()).width(), 8);
+
+    m_service->setMode(ImageService::Mode::Hang);
+    const Reply failing = get(QStringLiteral("/image/jkl"));
+    QTest::qWait(100);
+    m_service->setMode(ImageService::Mode::Fail);
+    QVERIFY(finished(failing));
+    QCOMPARE(status(failing), 500);
 }
 
 void ImageServiceTest::unknownModeIsRefused()
