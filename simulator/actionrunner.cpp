@@ -124,9 +124,18 @@ bool ActionRunner::runOnZone(const Action &action, bool *known, QString *reason)
 bool ActionRunner::play(const Action &action, QString *reason)
 {
     ZoneSimulation *const zone = m_remote->zone(action.text("zone"));
+    if (!m_remote->canPlay(zone)) {
+        *reason = QStringLiteral("the zone is switched off or follows another");
+        return false;
+    }
     const QString albumName = action.text("album");
-    const int index = action.number("track", 1) - 1;
-    if (!albumName.isEmpty()) {
+    const int index = qMax(1, action.number("track", 1)) - 1;
+    if (albumName.isEmpty()) {
+        if (index > 0) {
+            *reason = QStringLiteral("a track is counted in an album");
+            return false;
+        }
+    } else {
         const Album *const album = Library::findAlbum(albumName);
         if (!album) {
             *reason = QStringLiteral("there is no album \"%1\"").arg(albumName);

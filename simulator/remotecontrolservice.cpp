@@ -69,6 +69,12 @@ QString RemoteControlService::nameOf(const QString &id) const
     return id;
 }
 
+bool RemoteControlService::canPlay(ZoneSimulation *zone) const
+{
+    const Status status = m_status.value(zone);
+    return status.present && !status.leader;
+}
+
 void RemoteControlService::setCoreDetected(bool detected)
 {
     m_coreDetected = detected;
@@ -154,7 +160,8 @@ bool RemoteControlService::ungroup(const QString &name)
     if (!found)
         return false;
     ZoneSimulation *const leader = m_status.value(found).leader;
-    dissolve(leader ? leader : found);
+    if (!dissolve(leader ? leader : found))
+        return false;
     updateAvailable();
     return true;
 }
@@ -226,8 +233,7 @@ void RemoteControlService::advance(int milliseconds)
 
 bool RemoteControlService::isAvailable(ZoneSimulation *zone) const
 {
-    const Status status = m_status.value(zone);
-    return m_started && m_coreDetected && status.present && !status.leader;
+    return m_started && m_coreDetected && canPlay(zone);
 }
 
 void RemoteControlService::publishCore()
@@ -289,13 +295,14 @@ void RemoteControlService::updateAvailable()
     }
 }
 
-void RemoteControlService::dissolve(ZoneSimulation *leader)
+bool RemoteControlService::dissolve(ZoneSimulation *leader)
 {
     Status &status = m_status[leader];
     if (status.followers.isEmpty())
-        return;
+        return false;
     for (ZoneSimulation *const follower : qAsConst(status.followers))
         m_status[follower].leader = nullptr;
     status.followers.clear();
     leader->setFollowers({});
+    return true;
 }

@@ -32,6 +32,9 @@ public:
     /** A zone's own name for its id; the id itself when there is none. */
     QString nameOf(const QString &id) const;
 
+    /** False for a zone that is switched off or follows another one. */
+    bool canPlay(ZoneSimulation *zone) const;
+
     /** The server is on the network.  Without it, there are no zones and time stands still. */
     void setCoreDetected(bool detected);
     /** This service has its connection to the server. */
@@ -42,7 +45,7 @@ public:
     bool rename(const QString &name, const QString &newName);
     /** The first plays, the others follow; at least two, none twice. */
     bool group(const QStringList &names);
-    /** Dissolves the group to which a zone belongs, leader or follower. */
+    /** Dissolves the group to which a zone belongs, leader or follower; false without one. */
     bool ungroup(const QString &name);
 
     /**
@@ -77,7 +80,8 @@ private:
     void publishSpotify();
     /** Publishes the list and, of zones that are new in it, everything. */
     void updateAvailable();
-    void dissolve(ZoneSimulation *leader);
+    /** False when nobody follows. */
+    bool dissolve(ZoneSimulation *leader);
 
     QRandomGenerator m_random;
     QVector<ZoneSimulation *> m_zones; // children

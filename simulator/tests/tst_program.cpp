@@ -43,6 +43,8 @@ private slots:
     void servesCoverArtWhereItSays();
     void installsAnUpdateWhenAsked();
     void takesFaultsAtRunTime();
+    void faultWithoutEffectIsRefused_data();
+    void faultWithoutEffectIsRefused();
     void returnsToARestartedBroker();
     void floodIsCompleteAndTheTruthReturns();
     void noiseIsFollowedByTheTruth();
@@ -253,6 +255,38 @@ void ProgramTest::takesFaultsAtRunTime()
     display.publish(Topics::fault(), "quit");
     QVERIFY(simulator.waitForExit());
     QCOMPARE(simulator.exitStatus(), 0);
+}
+
+void ProgramTest::faultWithoutEffectIsRefused_data()
+{
+    QTest::addColumn<QStringList>("before");
+    QTest::addColumn<QString>("fault");
+    QTest::newRow("zone that is switched off")
+        << QStringList { "remove zone=Kitchen" } << "play zone=Kitchen";
+    QTest::newRow("zone that follows another")
+        << QStringList { "group zones=Hugo2X,Kitchen" } << "play zone=Kitchen album=I";
+    QTest::newRow("track of no album") << QStringList() << "play track=3";
+    QTest::newRow("group of one") << QStringList() << "ungroup zone=Kitchen";
+}
+
+void ProgramTest::faultWithoutEffectIsRefused()
+{
+    QFETCH(QStringList, before);
+    QFETCH(QString, fault);
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient display;
+    QVERIFY(display.connectToBroker());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait());
+    for (const QString &each : qAsConst(before)) {
+        display.publish(Topics::fault(), each.toUtf8());
+        QVERIFY(simulator.waitForLine("action: " + each.section(' ', 0, 0)));
+    }
+    display.publish(Topics::fault(), fault.toUtf8());
+    QVERIFY(simulator.waitForLine(
+        QStringLiteral("action: %1: refused: ").arg(fault.section(' ', 0, 0))));
+    QVERIFY(simulator.lines().filter("playing: Kitchen").isEmpty());
 }
 
 void ProgramTest::returnsToARestartedBroker()
