@@ -7,11 +7,16 @@ namespace {
 
 constexpr int ClockMs = 1000;      // of simulated time
 constexpr int ShortestTickMs = 10; // of real time
+constexpr int LongestLine = 500;   // in characters, beyond which nobody reads
 
-/** Bytes from outside as one line. */
-QString oneLine(const QByteArray &bytes)
+/** What comes from outside as one line of readable length. */
+QString oneLine(QString text)
 {
-    QString text = QString::fromUtf8(bytes);
+    const int tooMany = text.size() - LongestLine;
+    if (tooMany > 0) {
+        text.truncate(LongestLine);
+        text += QStringLiteral("… (%1 more)").arg(tooMany);
+    }
     for (QChar &character : text) {
         if (character.category() == QChar::Other_Control)
             character = QChar::ReplacementCharacter;
@@ -67,7 +72,7 @@ Simulator::Simulator(const Options &options, const Scenario &scenario, QObject *
     connect(&m_link, &ApplianceLink::faultReceived, this, &Simulator::takeFault);
     connect(&m_link, &ApplianceLink::displayReported, this,
         [this](const QString &what, const QByteArray &payload) {
-            tell(QStringLiteral("%1: %2").arg(what, oneLine(payload)));
+            tell(QStringLiteral("%1: %2").arg(what, QString::fromUtf8(payload)));
         });
 
     m_clock.setTimerType(Qt::PreciseTimer);
@@ -128,7 +133,7 @@ void Simulator::stop()
 
 void Simulator::tell(const QString &line)
 {
-    emit told(oneLine(line.toUtf8()));
+    emit told(oneLine(line));
 }
 
 void Simulator::run(const Action &action)
@@ -157,8 +162,8 @@ void Simulator::obey(const QByteArray &payload)
 {
     const RemoteCommand command = RemoteCommand::parse(payload);
     if (command.kind == RemoteCommand::Invalid) {
-        tell(
-            QStringLiteral("command: not understood: %1: %2").arg(command.error, oneLine(payload)));
+        tell(QStringLiteral("command: not understood: %1: %2")
+                 .arg(command.error, QString::fromUtf8(payload)));
         return;
     }
     QString line = QStringLiteral("command: ") + command.text();

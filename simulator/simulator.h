@@ -46,7 +46,7 @@ public:
 signals:
     /** The simulation is over, with this exit status. */
     void ended(int status);
-    /** One line for people, without its newline and without other control characters. */
+    /** One line for people, cut when very long, without control characters or newline. */
     void told(const QString &line);
 
 private:

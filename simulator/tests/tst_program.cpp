@@ -45,6 +45,7 @@ private slots:
     void takesFaultsAtRunTime();
     void faultWithoutEffectIsRefused_data();
     void faultWithoutEffectIsRefused();
+    void longPayloadsAreCut();
     void returnsToARestartedBroker();
     void floodIsCompleteAndTheTruthReturns();
     void noiseIsFollowedByTheTruth();
@@ -287,6 +288,20 @@ void ProgramTest::faultWithoutEffectIsRefused()
     QVERIFY(simulator.waitForLine(
         QStringLiteral("action: %1: refused: ").arg(fault.section(' ', 0, 0))));
     QVERIFY(simulator.lines().filter("playing: Kitchen").isEmpty());
+}
+
+void ProgramTest::longPayloadsAreCut()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient display;
+    QVERIFY(display.connectToBroker());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait());
+    display.publish(Topics::display() + "zone", QByteArray(100000, 'z'));
+    const QString cut = QStringLiteral("zone: ") + QString(494, 'z');
+    QVERIFY(simulator.waitForLine(cut + QString::fromUtf8("… (99506 more)")));
+    QVERIFY(simulator.stop());
 }
 
 void ProgramTest::returnsToARestartedBroker()
