@@ -9,7 +9,20 @@
 
 #include <csignal>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
+
+/** A closed standard descriptor would be taken by the next socket, and get the lines. */
+void keepStandardDescriptors()
+{
+    int descriptor = 0;
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+        descriptor = open("/dev/null", O_RDWR);
+    if (descriptor > STDERR_FILENO)
+        close(descriptor);
+}
 
 /** Whole lines at once, so that a reader of a pipe sees them as they come. */
 void print(FILE *stream, const QString &text)
@@ -76,6 +89,7 @@ int run(const Options &options)
 
 int main(int argc, char *argv[])
 {
+    keepStandardDescriptors();
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("velunor-simulator"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TOUCHUI_VERSION));

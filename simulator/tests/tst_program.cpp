@@ -8,6 +8,7 @@
 #include <QImage>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QProcess>
 #include <QTcpServer>
 #include <QTemporaryFile>
 #include <QTest>
@@ -46,6 +47,7 @@ private slots:
     void faultWithoutEffectIsRefused_data();
     void faultWithoutEffectIsRefused();
     void longPayloadsAreCut();
+    void worksWithoutStandardOutput();
     void returnsToARestartedBroker();
     void floodIsCompleteAndTheTruthReturns();
     void noiseIsFollowedByTheTruth();
@@ -302,6 +304,26 @@ void ProgramTest::longPayloadsAreCut()
     const QString cut = QStringLiteral("zone: ") + QString(494, 'z');
     QVERIFY(simulator.waitForLine(cut + QString::fromUtf8("… (99506 more)")));
     QVERIFY(simulator.stop());
+}
+
+void ProgramTest::worksWithoutStandardOutput()
+{
+    // Whatever takes the place of a closed descriptor must not get the lines.
+    Broker broker;
+    QVERIFY(broker.start());
+    BrokerClient display;
+    QVERIFY(display.connectToBroker());
+    QProcess shell;
+    shell.start("sh", { "-c", R"(exec "$0" "$@" >&- 2>&-)", QStringLiteral(TOUCHUI_SIMULATOR) });
+    QVERIFY(display.waitFor(zoneTopic("state"), "playing"));
+    for (const char *const number : { "1", "2" }) {
+        const QString descriptor
+            = QStringLiteral("/proc/%1/fd/%2").arg(shell.processId()).arg(number);
+        QCOMPARE(QFile::symLinkTarget(descriptor), QStringLiteral("/dev/null"));
+    }
+    shell.terminate();
+    QVERIFY(shell.waitForFinished());
+    QCOMPARE(shell.exitCode(), 0);
 }
 
 void ProgramTest::returnsToARestartedBroker()
