@@ -52,11 +52,9 @@ void StateService::start()
 
 void StateService::republish()
 {
-    for (auto it = m_state.cbegin(); it != m_state.cend(); ++it) {
-        // A retained message without content would delete instead of tell.
-        if (!it.value().isEmpty())
-            emit publish(Topics::state(it.key().constData()), it.value(), true);
-    }
+    // Also the empty texts: the broker may still hold those of an earlier run.
+    for (auto it = m_state.cbegin(); it != m_state.cend(); ++it)
+        emit publish(Topics::state(it.key().constData()), it.value(), true);
     for (const Setting &setting : Settings)
         emit publish(Topics::settings(setting.key), setting.value, true);
 }
