@@ -196,7 +196,7 @@ bool ZoneSimulation::next()
 {
     if (!hasNext())
         return false;
-    moveTo((m_place + 1) % m_order.size());
+    moveOn();
     reportChanges();
     return true;
 }
@@ -297,7 +297,7 @@ bool ZoneSimulation::isRadio() const
 bool ZoneSimulation::hasNext() const
 {
     return current() && !isRadio()
-        && (m_place + 1 < m_order.size() || m_loop == QLatin1String("loop"));
+        && (m_place + 1 < m_order.size() || m_loop == QLatin1String("loop") || m_autoRadio);
 }
 
 qint64 ZoneSimulation::lengthMs() const
@@ -330,20 +330,28 @@ void ZoneSimulation::moveTo(int place)
     emit trackStarted();
 }
 
+void ZoneSimulation::moveOn()
+{
+    // A station's programmes come round for ever.
+    if (isRadio() || m_loop == QLatin1String("loop") || m_place + 1 < m_order.size()) {
+        moveTo((m_place + 1) % m_order.size());
+        return;
+    }
+    const QVector<Album> &albums = Library::albums();
+    const Album *album = nullptr;
+    while (!album || album->radio)
+        album = &albums.at(m_random->bounded(albums.size()));
+    fillQueue({ album }, 0);
+    emit trackStarted();
+}
+
 void ZoneSimulation::endOfTrack()
 {
     if (m_loop == QLatin1String("loop_one"))
         moveTo(m_place);
-    else if (isRadio() || m_loop == QLatin1String("loop") || m_place + 1 < m_order.size())
-        moveTo((m_place + 1) % m_order.size()); // a station's programmes come round for ever
-    else if (m_autoRadio) {
-        const QVector<Album> &albums = Library::albums();
-        const Album *album = nullptr;
-        while (!album || album->radio)
-            album = &albums.at(m_random->bounded(albums.size()));
-        fillQueue({ album }, 0);
-        emit trackStarted();
-    } else {
+    else if (isRadio() || hasNext())
+        moveOn();
+    else {
         m_place = 0;
         setState(State::Stopped);
     }

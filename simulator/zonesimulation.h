@@ -105,6 +105,8 @@ private:
     void fillQueue(const QVector<const Album *> &albums, int index);
     void setState(State state);
     void moveTo(int place);
+    /** To the track after this one, or to other music when there is none. */
+    void moveOn();
     void endOfTrack();
     void shuffleRest();
 

@@ -26,6 +26,7 @@ private slots:
     void loopBeginsAnew();
     void loopOneRepeatsTheTrack();
     void autoRadioGoesOnWithOtherMusic();
+    void nextGoesOnWithOtherMusicToo();
     void nextEndsAtTheLastTrack();
     void previousBeginsAnewFirst();
     void seeksWithinTheTrack();
@@ -182,6 +183,17 @@ void ZoneSimulationTest::autoRadioGoesOnWithOtherMusic()
     QCOMPARE(value("state"), QByteArray("playing"));
     QVERIFY(value("nowPlaying/album") != "Album");
     QCOMPARE(changed.count(), 0);
+}
+
+void ZoneSimulationTest::nextGoesOnWithOtherMusicToo()
+{
+    m_zone->setQueue({ &m_album }, 2);
+    QCOMPARE(value("is_next_allowed"), QByteArray("false"));
+    m_zone->setAutoRadio(true);
+    QCOMPARE(value("is_next_allowed"), QByteArray("true"));
+    QVERIFY(m_zone->next());
+    QVERIFY(value("nowPlaying/album") != "Album");
+    QCOMPARE(value("state"), QByteArray("stopped"));
 }
 
 void ZoneSimulationTest::nextEndsAtTheLastTrack()
