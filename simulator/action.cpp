@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "action.h"
 
+#include "jsontext.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -207,13 +209,9 @@ bool Action::fromJson(const QJsonObject &object, Action *action, QString *proble
         if (!argument)
             return false;
         if (!isOfType(it.value(), argument->type)) {
-            const QJsonArray found { it.value() };
             *problem = QStringLiteral("expected \"%1\" of action \"%2\" to be %3, found %4")
                            .arg(it.key(), made.name, QLatin1String(typeName(argument->type)),
-                               QString::fromUtf8(QJsonDocument(found)
-                                                     .toJson(QJsonDocument::Compact)
-                                                     .mid(1)
-                                                     .chopped(1)));
+                               jsonText(it.value()));
             return false;
         }
     }

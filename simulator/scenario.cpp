@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scenario.h"
 
+#include "jsontext.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -18,12 +20,6 @@ const QString Base64Member = QStringLiteral("payload_base64");
 const QString RetainMember = QStringLiteral("retain");
 const QString ActionMember = QStringLiteral("action");
 const QString NoteMember = QStringLiteral("note");
-
-QString quoted(const QJsonValue &value)
-{
-    return QString::fromUtf8(
-        QJsonDocument(QJsonArray { value }).toJson(QJsonDocument::Compact).mid(1).chopped(1));
-}
 
 int lineAt(const QByteArray &text, int offset)
 {
@@ -75,13 +71,13 @@ bool readMessage(const QJsonObject &object, Scenario::Step *step, QString *probl
         if (member == TopicMember || member == PayloadMember || member == Base64Member) {
             if (!it.value().isString()) {
                 *problem = QStringLiteral("expected \"%1\" to be a text, found %2")
-                               .arg(member, quoted(it.value()));
+                               .arg(member, jsonText(it.value()));
                 return false;
             }
         } else if (member == RetainMember) {
             if (!it.value().isBool()) {
                 *problem = QStringLiteral("expected \"retain\" to be true or false, found %1")
-                               .arg(quoted(it.value()));
+                               .arg(jsonText(it.value()));
                 return false;
             }
         } else {
@@ -95,7 +91,7 @@ bool readMessage(const QJsonObject &object, Scenario::Step *step, QString *probl
     step->topic = object.value(TopicMember).toString();
     if (!QMqttTopicName(step->topic).isValid()) {
         *problem = QStringLiteral("expected \"topic\" to be a topic without wildcards, found %1")
-                       .arg(quoted(object.value(TopicMember)));
+                       .arg(jsonText(object.value(TopicMember)));
         return false;
     }
     if (object.contains(PayloadMember) == object.contains(Base64Member)) {
@@ -110,7 +106,7 @@ bool readMessage(const QJsonObject &object, Scenario::Step *step, QString *probl
                 QByteArray::AbortOnBase64DecodingErrors);
         if (!decoded) {
             *problem = QStringLiteral("expected \"payload_base64\" to be Base64, found %1")
-                           .arg(quoted(object.value(Base64Member)));
+                           .arg(jsonText(object.value(Base64Member)));
             return false;
         }
         step->payload = *decoded;
@@ -124,13 +120,13 @@ bool readStep(QJsonObject object, Scenario::Step *step, QString *problem)
     const QJsonValue after = object.take(AfterMs);
     if (!after.isDouble() || after.toDouble() != after.toInt() || after.toInt() < 0) {
         *problem = QStringLiteral("expected \"after_ms\" to be a whole number from 0 on, found %1")
-                       .arg(after.isUndefined() ? QStringLiteral("none") : quoted(after));
+                       .arg(after.isUndefined() ? QStringLiteral("none") : jsonText(after));
         return false;
     }
     step->afterMs = after.toInt();
     const QJsonValue note = object.take(NoteMember);
     if (!note.isUndefined() && !note.isString()) {
-        *problem = QStringLiteral("expected \"note\" to be a text, found %1").arg(quoted(note));
+        *problem = QStringLiteral("expected \"note\" to be a text, found %1").arg(jsonText(note));
         return false;
     }
     step->note = note.toString();
@@ -183,7 +179,7 @@ bool Scenario::parse(const QByteArray &text, const QString &fileName, QString *p
         QString what;
         if (!array.at(i).isObject())
             return complain(lines.at(i),
-                QStringLiteral("expected a step in braces, found %1").arg(quoted(array.at(i))));
+                QStringLiteral("expected a step in braces, found %1").arg(jsonText(array.at(i))));
         if (!readStep(array.at(i).toObject(), &step, &what))
             return complain(lines.at(i), what);
         takesTime = takesTime || step.afterMs > 0;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scenarioplayer.h"
 
+#include "simulatedtime.h"
+
 ScenarioPlayer::ScenarioPlayer(const Scenario &scenario, double speed, QObject *parent)
     : QObject(parent)
     , m_scenario(scenario)
@@ -36,7 +38,7 @@ void ScenarioPlayer::waitForNext()
     if (isAtEnd())
         emit finished();
     else if (m_speed > 0)
-        m_timer.start(int(m_scenario.steps().at(m_next).afterMs / m_speed));
+        m_timer.start(realMs(m_scenario.steps().at(m_next).afterMs, m_speed));
 }
 
 void ScenarioPlayer::play(const Scenario::Step &step)

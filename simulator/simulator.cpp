@@ -2,6 +2,7 @@
 #include "simulator.h"
 
 #include "library.h"
+#include "simulatedtime.h"
 
 namespace {
 
@@ -77,7 +78,7 @@ Simulator::Simulator(const Options &options, const Scenario &scenario, QObject *
 
     m_clock.setTimerType(Qt::PreciseTimer);
     if (m_options.speed > 0)
-        m_clock.setInterval(qMax(ShortestTickMs, qRound(ClockMs / m_options.speed)));
+        m_clock.setInterval(qMax(ShortestTickMs, realMs(ClockMs, m_options.speed)));
     connect(&m_clock, &QTimer::timeout, this,
         [this] { m_remote.advance(qRound(m_clock.interval() * m_options.speed)); });
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stateservice.h"
 
+#include "simulatedtime.h"
 #include "topics.h"
 
 namespace {
@@ -129,7 +130,7 @@ void StateService::enter(Stage stage)
         return;
     }
     if (m_speed > 0)
-        m_stageTimer.start(int(durationMs / m_speed));
+        m_stageTimer.start(realMs(durationMs, m_speed));
 }
 
 void StateService::nextStage()

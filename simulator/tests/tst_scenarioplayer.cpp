@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scenarioplayer.h"
 
+#include "simulatedtime.h"
+
 #include <QSignalSpy>
 #include <QTest>
 
@@ -10,6 +12,7 @@ class ScenarioPlayerTest : public QObject {
 private slots:
     void stepsWithoutTimeComeFirstAndAtOnce();
     void laterStepsComeInOrder();
+    void slowestSpeedWaitsAsLongAsATimerCan();
     void timeStandsStillAtSpeedZero();
     void repeatBeginsAnew();
     void emptyScenarioIsFinishedAtOnce();
@@ -58,6 +61,21 @@ void ScenarioPlayerTest::laterStepsComeInOrder()
     QCOMPARE(messages.at(0).at(0).toString(), QStringLiteral("a"));
     QCOMPARE(messages.at(1).at(1).toByteArray(), QByteArray("2"));
     QCOMPARE(messages.at(1).at(2).toBool(), true);
+}
+
+void ScenarioPlayerTest::slowestSpeedWaitsAsLongAsATimerCan()
+{
+    QCOMPARE(realMs(3000, 2), 1500);
+    QCOMPARE(realMs(1, 1000), 0);
+    QCOMPARE(realMs(60000, 1e-5), std::numeric_limits<int>::max());
+    QCOMPARE(realMs(1, 5e-324), std::numeric_limits<int>::max());
+    ScenarioPlayer player(
+        scenario(R"([ { "after_ms": 60000, "topic": "a", "payload": "1" } ])"), 1e-5);
+    QSignalSpy messages(&player, &ScenarioPlayer::message);
+    player.prepare();
+    player.begin();
+    QTest::qWait(50); // nothing may come, so there is nothing to wait for
+    QCOMPARE(messages.count(), 0);
 }
 
 void ScenarioPlayerTest::timeStandsStillAtSpeedZero()
