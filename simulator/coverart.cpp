@@ -8,6 +8,7 @@
 #include <QtMath>
 
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -40,17 +41,25 @@ const std::array<Palette, 10> Palettes {
 /** Draws one cover in the unit square. */
 class Painter {
 public:
-    Painter(QPainter *painter, quint32 seed)
+    /** @p isReversed: with the palette's light and dark exchanged, where the motif allows it. */
+    Painter(QPainter *painter, quint32 seed, bool isReversed)
         : m_painter(*painter)
         , m_random(seed)
         , m_palette(Palettes.at(m_random.bounded(int(Palettes.size()))))
+        , m_isReversed(isReversed)
     {
         m_painter.setPen(Qt::NoPen);
     }
 
     void draw()
     {
-        switch (m_random.bounded(8)) {
+        const int motif = m_random.bounded(8);
+        // Those that look alike in one palette, whatever their details.
+        if (m_isReversed && (motif == 3 || motif == 5 || motif == 6)) {
+            std::swap(m_palette.ground, m_palette.light);
+            std::swap(m_palette.middle, m_palette.accent);
+        }
+        switch (motif) {
         case 0:
             hills();
             break;
@@ -326,6 +335,7 @@ private:
     QPainter &m_painter;
     QRandomGenerator m_random;
     Palette m_palette;
+    bool m_isReversed;
 };
 
 } // namespace
@@ -344,6 +354,7 @@ QImage CoverArt::draw(const QByteArray &key, const QSize &size)
     const int side = qMax(size.width(), size.height());
     painter.translate((size.width() - side) / 2.0, (size.height() - side) / 2.0);
     painter.scale(side, side);
-    Painter(&painter, seed).draw();
+    const bool isReversed = hash.at(4) & 1;
+    Painter(&painter, seed, isReversed).draw();
     return image;
 }
