@@ -3,6 +3,8 @@
 
 namespace {
 
+constexpr int Ever = 3600 * 1000; // milliseconds
+
 bool toPlayer(Studio &studio)
 {
     return studio.waitForPage(QStringLiteral("RoonPlayerWindow2"));
@@ -46,7 +48,7 @@ QVector<Shot> gallery()
             } },
         { QStringLiteral("long-title"),
             [](Studio &studio) {
-                return closePopup(studio, "volumeSlider")
+                return closePopup(studio, "volumeSlider") && studio.highlightVolume(Ever)
                     && studio.set("touchscreen_scrolling", "false") && studio.tap("zoneName")
                     && studio.waitForItem("zoneList")
                     && studio.tap(Probe::Target::text(QStringLiteral("Hugo2X")))
@@ -79,8 +81,9 @@ QVector<Shot> gallery()
             } },
         { QStringLiteral("update-available"),
             [](Studio &studio) {
-                return studio.act("ungroup") && studio.waitForText(QStringLiteral("Hugo2X"))
-                    && studio.act("offer_update") && studio.waitForItem("updateBadge");
+                return studio.highlightVolume(1) && studio.act("ungroup")
+                    && studio.waitForText(QStringLiteral("Hugo2X")) && studio.act("offer_update")
+                    && studio.waitForItem("updateBadge");
             } },
         { QStringLiteral("nothing-playing"),
             [](Studio &studio) {

@@ -82,6 +82,12 @@ bool Studio::tapBeside()
     return m_program.probe().tap(QPointF(2, 2));
 }
 
+bool Studio::highlightVolume(int milliseconds)
+{
+    return m_program.probe().setObjectProperty(
+        "highlightTimer", QStringLiteral("interval"), milliseconds);
+}
+
 bool Studio::waitForPage(const QString &name)
 {
     // A page under construction is there already, but not all of its items have found their places.

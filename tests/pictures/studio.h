@@ -32,6 +32,12 @@ public:
     /** Touches the page at a place where nothing is. */
     bool tapBeside();
 
+    /**
+     * Has the player page light up the volume after a change for this long, instead of a moment
+     * that only some of the pictures fall into.
+     */
+    bool highlightVolume(int milliseconds);
+
     /** Waits until the page of this name is shown. */
     bool waitForPage(const QString &name);
     bool waitForItem(const Probe::Target &item);
