@@ -81,29 +81,14 @@ Rectangle {
         anchors { right: parent.right; rightMargin: root.margin; bottom: parent.bottom; bottomMargin: root.margin }
         height: 0.5 * ScreenController.width
 
-        ScrollingLine {
-            id: albumLine
-
-            objectName: "album"
+        AlbumAndArtist {
             anchors { left: parent.left; right: parent.right; top: parent.top }
-            height: 0.12 * panel.height
+            height: 0.24 * panel.height
             outlined: root.gl_show_debug_lines
-            textColor: Theme.secondaryText
-            pixelSize: ScreenController.width / 28
-            text: root.nothingPlaying ? "" : Player.album
-            scrollDuration: 8000
-            scrollingEnabled: Settings.scrolling
-        }
-
-        ScrollingLine {
-            objectName: "artist"
-            anchors { left: parent.left; right: parent.right; top: albumLine.bottom }
-            height: 0.12 * panel.height
-            outlined: root.gl_show_debug_lines
-            textColor: Theme.primaryText
-            pixelSize: ScreenController.width / 26
-            text: root.nothingPlaying ? "" : Player.artist
-            scrollDuration: 10000
+            album: root.nothingPlaying ? "" : Player.album
+            albumSize: ScreenController.width / 28
+            artist: root.nothingPlaying ? "" : Player.artist
+            artistSize: ScreenController.width / 26
             scrollingEnabled: Settings.scrolling
         }
 
