@@ -17,7 +17,8 @@ bool Display::start()
     const QString screen = QStringLiteral("%1x%2x24").arg(m_size.width()).arg(m_size.height());
     const bool started = m_process.start(QStringLiteral("Xvfb"),
         { QStringLiteral("-displayfd"), QStringLiteral("2"), QStringLiteral("-screen"),
-            QStringLiteral("0"), screen, QStringLiteral("-nolisten"), QStringLiteral("tcp") },
+            QStringLiteral("0"), screen, QStringLiteral("-nolisten"), QStringLiteral("tcp"),
+            QStringLiteral("-noreset") },
         QProcessEnvironment::systemEnvironment());
     if (!started) {
         qWarning("cannot start Xvfb (package xvfb): %s", qUtf8Printable(m_process.errorText()));
