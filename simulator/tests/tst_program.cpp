@@ -211,6 +211,11 @@ void ProgramTest::servesCoverArtWhereItSays()
                  .arg(address, key)))));
     QTRY_VERIFY_WITH_TIMEOUT(reply->isFinished(), PatienceMs);
     QCOMPARE(QImage::fromData(reply->readAll()).size(), QSize(402, 402));
+    display.publish(Topics::fault(), "image mode=fail");
+    QVERIFY(simulator.waitForLine("action: image"));
+    const std::unique_ptr<QNetworkReply> failing(network.get(reply->request()));
+    QTRY_VERIFY_WITH_TIMEOUT(failing->isFinished(), PatienceMs);
+    QCOMPARE(failing->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), 500);
 }
 
 void ProgramTest::installsAnUpdateWhenAsked()
@@ -251,6 +256,16 @@ void ProgramTest::takesFaultsAtRunTime()
     display.publish(Topics::fault(), "rename");
     display.publish(Topics::fault(), "group zones=Hugo2X,Kitchen");
     QVERIFY(display.waitFor(zoneTopic("name"), "Hugo2X + Kitchen"));
+    display.publish(Topics::fault(), "mute on=true");
+    QVERIFY(display.waitFor(zoneTopic("volume/is_muted"), "true"));
+    display.publish(Topics::fault(), "mute on=false");
+    QVERIFY(display.waitFor(zoneTopic("volume/is_muted"), "false"));
+    display.publish(Topics::fault(), "seek seconds=100");
+    QVERIFY(display.waitFor(zoneTopic("nowPlaying/seekPosition"), "100"));
+    display.publish(Topics::fault(), "inhibit_update reason=\"a backup\"");
+    QVERIFY(display.waitFor(Topics::state("InhibitReason"), "a backup"));
+    display.publish(Topics::fault(), "inhibit_update");
+    QVERIFY(display.waitFor(Topics::state("UpdateInhibited"), "false"));
     display.publish(Topics::fault(), "image mode=upside_down");
     QVERIFY(simulator.waitForLine("action: image: refused: there is no mode"));
     display.publish(Topics::fault(), "explode");
@@ -385,9 +400,15 @@ void ProgramTest::noiseIsFollowedByTheTruth()
     QVERIFY(display.waitFor(zoneTopic("state"), "playing"));
     display.publish(Topics::fault(), "noise count=500");
     QVERIFY(simulator.waitForLine("action: noise"));
-    display.clear();
     display.publish(Topics::fault(), "pause");
     QVERIFY(display.waitFor(zoneTopic("state"), "paused"));
+    const QString colour = Topics::settings("touchscreen_clockcolor");
+    QVERIFY(display.payloads(colour).size() > 2);
+    QCOMPARE(display.payloads(colour).last(), QByteArray("grey"));
+    QVERIFY(display.payloads(Topics::state("UpdateAvailable")).size() > 2);
+    QCOMPARE(display.payloads(Topics::state("UpdateAvailable")).last(), QByteArray("false"));
+    QVERIFY(display.payloads(Topics::connected()).size() > 2);
+    QCOMPARE(display.payloads(Topics::connected()).last(), QByteArray("true"));
     BrokerClient late;
     QVERIFY(late.connectToBroker());
     QVERIFY(late.waitFor(zoneTopic("name"), "Hugo2X"));

@@ -112,16 +112,60 @@ void RemoteControlServiceTest::publishesEverythingRetained()
     QCOMPARE(m_broker.value(Topics::spotify("state")), QByteArray("stopped"));
     QCOMPARE(available().size(), Library::zones().size());
     QCOMPARE(available().first(), QStringLiteral("Den"));
-    const char *const keys[] = { "id", "name", "state", "outputs", "nowPlaying/seekPosition",
-        "nowPlaying/length", "nowPlaying/album", "nowPlaying/song", "nowPlaying/artist",
-        "nowPlaying/imageKey", "settings/shuffle", "settings/loop", "settings/autoRadio",
-        "volume/available", "volume/type", "volume/value", "volume/min", "volume/max",
-        "volume/hard_limit_min", "volume/hard_limit_max", "volume/soft_limit", "volume/step",
-        "volume/is_muted", "queue_items_remaining", "queue_time_remaining", "is_previous_allowed",
-        "is_next_allowed", "is_pause_allowed", "is_play_allowed", "is_seek_allowed" };
-    for (const char *const key : keys)
-        QVERIFY2(inZone(key) != "(missing)", key);
-    QCOMPARE(inZone("name"), QByteArray("Den"));
+    QCOMPARE(m_broker.value(Topics::core("serverName")), QByteArray("Music server (simulated)"));
+    QVERIFY(!m_broker.value(Topics::core("id")).isEmpty());
+    QVERIFY(!m_broker.value(Topics::core("version")).isEmpty());
+    const Album &album = Library::albums().at(0);
+    const QByteArray song = album.tracks.at(0).song.toUtf8();
+    const QByteArray length = QByteArray::number(album.tracks.at(0).seconds);
+    const QByteArray picture = "http://127.0.0.1:4711/image/" + album.imageKey();
+    QCOMPARE(m_broker.value(Topics::spotify("nowPlaying/seekPosition")), QByteArray("0"));
+    QCOMPARE(m_broker.value(Topics::spotify("nowPlaying/length")), length);
+    QCOMPARE(m_broker.value(Topics::spotify("nowPlaying/album")), album.name.toUtf8());
+    QCOMPARE(m_broker.value(Topics::spotify("nowPlaying/song")), song);
+    QCOMPARE(m_broker.value(Topics::spotify("nowPlaying/artist")), album.artist.toUtf8());
+    QCOMPARE(m_broker.value(Topics::spotify("nowPlaying/imageUrl")), picture);
+
+    const QString zoneId = m_service->mainZone()->id();
+    const QVector<QPair<const char *, QByteArray>> truth {
+        { "id", zoneId.toUtf8() },
+        { "name", "Den" },
+        { "state", "stopped" },
+        { "outputs", R"([{"display_name":"Den","zone_id":")" + zoneId.toUtf8() + R"("}])" },
+        { "nowPlaying/seekPosition", "0" },
+        { "nowPlaying/length", length },
+        { "nowPlaying/album", album.name.toUtf8() },
+        { "nowPlaying/song", song },
+        { "nowPlaying/artist", album.artist.toUtf8() },
+        { "nowPlaying/imageKey", album.imageKey() },
+        { "settings/shuffle", "false" },
+        { "settings/loop", "disabled" },
+        { "settings/autoRadio", "false" },
+        { "volume/available", "true" },
+        { "volume/type", "number" },
+        { "volume/value", "42" },
+        { "volume/min", "0" },
+        { "volume/max", "100" },
+        { "volume/hard_limit_min", "0" },
+        { "volume/hard_limit_max", "95" },
+        { "volume/soft_limit", "85" },
+        { "volume/step", "1" },
+        { "volume/is_muted", "false" },
+        { "queue_items_remaining", QByteArray::number(album.tracks.size()) },
+        { "queue_time_remaining", "2006" },
+        { "is_previous_allowed", "true" },
+        { "is_next_allowed", "true" },
+        { "is_pause_allowed", "false" },
+        { "is_play_allowed", "true" },
+        { "is_seek_allowed", "true" },
+    };
+    for (const auto &property : truth)
+        QVERIFY2(inZone(property.first) == property.second, property.first);
+    QCOMPARE(inZone("volume/type", 2), QByteArray("db"));
+    QCOMPARE(inZone("volume/value", 2), QByteArray("-28.5"));
+    QCOMPARE(inZone("volume/step", 2), QByteArray("0.5"));
+    QCOMPARE(inZone("volume/available", 3), QByteArray("false"));
+    QCOMPARE(inZone("volume/value", 3), QByteArray("(missing)"));
 }
 
 void RemoteControlServiceTest::obeysEachCommand()
@@ -138,8 +182,12 @@ void RemoteControlServiceTest::obeysEachCommand()
     QCOMPARE(inZone("nowPlaying/song"), Library::albums().at(0).tracks.at(0).song.toUtf8());
     send(R"({"command":"set_radio","radio":true,"zone_id":"ID"})");
     QCOMPARE(inZone("settings/autoRadio"), QByteArray("true"));
+    send(R"({"command":"set_radio","radio":false,"zone_id":"ID"})");
+    QCOMPARE(inZone("settings/autoRadio"), QByteArray("false"));
     send(R"({"command":"set_shuffle","shuffle":true,"zone_id":"ID"})");
     QCOMPARE(inZone("settings/shuffle"), QByteArray("true"));
+    send(R"({"command":"set_shuffle","shuffle":false,"zone_id":"ID"})");
+    QCOMPARE(inZone("settings/shuffle"), QByteArray("false"));
     send(R"({"command":"set_loopmode","loop":"loop_one","zone_id":"ID"})");
     QCOMPARE(inZone("settings/loop"), QByteArray("loop_one"));
     send(R"({"command":"set_volume","how":"absolute","value":33.0,"zone_id":"ID"})");
@@ -216,7 +264,11 @@ void RemoteControlServiceTest::returningZonesAreToldWhole()
 void RemoteControlServiceTest::groupTakesTheFollowersIn()
 {
     m_service->start(QString());
+    ZoneSimulation *const kitchen = m_service->zone(QStringLiteral("Kitchen"));
+    kitchen->setQueue({ &Library::albums().at(1) });
+    QVERIFY(kitchen->play());
     QVERIFY(m_service->group({ QString(), QStringLiteral("Kitchen"), QStringLiteral("Bath") }));
+    QVERIFY(!kitchen->isPlaying());
     QCOMPARE(available().first(), QStringLiteral("Den + Kitchen + Bath"));
     QVERIFY(!available().contains(QStringLiteral("Kitchen")));
     QCOMPARE(inZone("outputs").count("display_name"), 3);

@@ -3,7 +3,6 @@
 
 #include "topics.h"
 
-#include <QByteArrayList>
 #include <QHash>
 #include <QTest>
 
@@ -60,13 +59,13 @@ void StateServiceTest::updateGoesThroughItsStages()
 {
     StateService service(1000);
     QHash<QString, QByteArray> broker;
-    QByteArrayList reboot;
+    QStringList changes;
     QStringList told;
     connect(&service, &StateService::publish, this,
-        [&broker, &reboot](const QString &topic, const QByteArray &payload) {
+        [&broker, &changes](const QString &topic, const QByteArray &payload) {
             broker[topic] = payload;
-            if (topic == Topics::state("RequireReboot"))
-                reboot.append(payload);
+            changes.append(topic.section(QLatin1Char('/'), -1) + QLatin1Char('=')
+                + QString::fromUtf8(payload));
         });
     connect(
         &service, &StateService::told, this, [&told](const QString &line) { told.append(line); });
@@ -75,6 +74,7 @@ void StateServiceTest::updateGoesThroughItsStages()
     QCOMPARE(broker.value(Topics::state("UpdateAvailable")), QByteArray("true"));
     QCOMPARE(broker.value(Topics::state("UpdateInfo")), QByteArray("2.0"));
     QString reason;
+    changes.clear();
     QVERIFY(service.installUpdate(&reason));
     QCOMPARE(broker.value(Topics::state("UpdateInstalling")), QByteArray("true"));
     QVERIFY(!service.installUpdate(&reason));
@@ -84,7 +84,11 @@ void StateServiceTest::updateGoesThroughItsStages()
             QStringLiteral("update: starting"), QStringLiteral("update: done") }));
     QCOMPARE(broker.value(Topics::state("UpdateInstalling")), QByteArray("false"));
     QCOMPARE(broker.value(Topics::state("UpdateAvailable")), QByteArray("false"));
-    QCOMPARE(reboot, QByteArrayList({ "false", "true", "false" }));
+    QCOMPARE(changes.join(QLatin1Char(' ')),
+        QStringLiteral("Installation=true UpdateInstalling=true RequireReboot=true "
+                       "WebIfaceIsUp=false Init=false RequireReboot=false UpdateInfo= "
+                       "UpdateAvailable=false Init=true WebIfaceIsUp=true Installation=false "
+                       "UpdateInstalling=false"));
     QCOMPARE(broker.value(Topics::state("WebIfaceIsUp")), QByteArray("true"));
 }
 

@@ -102,6 +102,7 @@ void ZoneSimulationTest::playsPausesAndStops()
     QVERIFY(m_zone->playPause());
     QCOMPARE(value("state"), QByteArray("paused"));
     QCOMPARE(value("is_play_allowed"), QByteArray("true"));
+    QCOMPARE(value("is_pause_allowed"), QByteArray("false"));
     m_zone->play();
     m_zone->advance(4000);
     m_zone->stop();
