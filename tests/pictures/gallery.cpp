@@ -10,6 +10,16 @@ bool toPlayer(Studio &studio)
     return studio.waitForPage(QStringLiteral("RoonPlayerWindow2"));
 }
 
+bool openVolume(Studio &studio)
+{
+    return studio.tap("volumeBox") && studio.waitForItem("volumeSlider") && studio.keepOpen();
+}
+
+bool openZones(Studio &studio, const char *by)
+{
+    return studio.tap(by) && studio.waitForItem("zoneList") && studio.keepOpen();
+}
+
 bool closePopup(Studio &studio, const char *name)
 {
     return studio.tapBeside() && studio.waitUntilGone(name);
@@ -27,30 +37,24 @@ QVector<Shot> gallery()
                     && studio.waitForText(QStringLiteral("1:23"))
                     && studio.waitForText(QStringLiteral("Harbour Before Six"));
             } },
-        { QStringLiteral("volume"),
-            [](Studio &studio) {
-                return studio.tap("volumeBox") && studio.waitForItem("volumeSlider");
-            } },
+        { QStringLiteral("volume"), openVolume },
         { QStringLiteral("zones"),
             [](Studio &studio) {
-                return closePopup(studio, "volumeSlider") && studio.tap("zoneName")
-                    && studio.waitForItem("zoneList");
+                return closePopup(studio, "volumeSlider") && openZones(studio, "zoneName");
             } },
         { QStringLiteral("decibels"),
             [](Studio &studio) {
-                return closePopup(studio, "zoneList") && studio.tap("zoneName")
-                    && studio.waitForText(QStringLiteral("Living Room"))
+                return closePopup(studio, "zoneList") && studio.highlightVolume(Ever)
+                    && openZones(studio, "zoneName")
                     && studio.tap(Probe::Target::text(QStringLiteral("Living Room")))
                     && studio.waitUntilGone("zoneList")
                     && studio.act("play zone=\"Living Room\" album=\"Clockwork Orchard\"")
-                    && studio.waitForText(QStringLiteral("Winding Song")) && studio.tap("volumeBox")
-                    && studio.waitForItem("volumeSlider");
+                    && studio.waitForText(QStringLiteral("Winding Song")) && openVolume(studio);
             } },
         { QStringLiteral("long-title"),
             [](Studio &studio) {
-                return closePopup(studio, "volumeSlider") && studio.highlightVolume(Ever)
-                    && studio.set("touchscreen_scrolling", "false") && studio.tap("zoneName")
-                    && studio.waitForItem("zoneList")
+                return closePopup(studio, "volumeSlider")
+                    && studio.set("touchscreen_scrolling", "false") && openZones(studio, "zoneName")
                     && studio.tap(Probe::Target::text(QStringLiteral("Hugo2X")))
                     && studio.waitUntilGone("zoneList")
                     && studio.act("play album=\"Concertos for Instruments That Are Rarely Asked, "
@@ -105,10 +109,13 @@ QVector<Shot> gallery()
                 return studio.set("touchscreen_clock24", "false")
                     && studio.set("touchscreen_clockcolor", "blue") && studio.waitForItem("marker");
             } },
+        { QStringLiteral("screen-saver"),
+            [](Studio &studio) {
+                return studio.tap("Clock") && studio.waitForPage(QStringLiteral("ScreenSaver"));
+            } },
         { QStringLiteral("connection-failure"),
             [](Studio &studio) {
-                return studio.tap("Clock") && studio.waitForPage(QStringLiteral("ScreenSaver"))
-                    && studio.tap("ScreenSaver") && toPlayer(studio) && studio.act("core_lost")
+                return studio.tap("ScreenSaver") && toPlayer(studio) && studio.act("core_lost")
                     && studio.waitForPage(QStringLiteral("RoonConnectionFailure"));
             } },
         { QStringLiteral("zone-not-found"),
@@ -118,9 +125,7 @@ QVector<Shot> gallery()
                     && studio.waitForPage(QStringLiteral("RoonZoneNotFound"));
             } },
         { QStringLiteral("zone-not-found-zones"),
-            [](Studio &studio) {
-                return studio.tap("chooserButton") && studio.waitForItem("zoneList");
-            } },
+            [](Studio &studio) { return openZones(studio, "chooserButton"); } },
         { QStringLiteral("update-installing"),
             [](Studio &studio) {
                 return closePopup(studio, "zoneList") && studio.act("offer_update")

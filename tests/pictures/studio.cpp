@@ -16,6 +16,9 @@ constexpr char Moment[] = "2026-11-18 19:05:00";
 /** The window draws nothing while this long nothing changes. */
 constexpr int StillMs = 300;
 
+/** Longer than any picture takes. */
+constexpr int NeverMs = 1000000;
+
 } // namespace
 
 Studio::Studio(const PanelKind &kind)
@@ -106,6 +109,16 @@ bool Studio::waitForItem(const Probe::Target &item)
 bool Studio::waitUntilGone(const Probe::Target &item)
 {
     return waitUntil([&] { return !m_program.probe().shows(item); });
+}
+
+bool Studio::keepOpen()
+{
+    const QJsonObject running { { QStringLiteral("running"), true } };
+    const Probe::Target timer(
+        QJsonObject { { QStringLiteral("name"), QStringLiteral("closeTimer") },
+            { QStringLiteral("where"), running } });
+    return waitUntil([&] { return m_program.probe().alive(timer) == 1; })
+        && m_program.probe().setObjectProperty(timer, QStringLiteral("interval"), NeverMs);
 }
 
 bool Studio::waitForText(const QString &text)

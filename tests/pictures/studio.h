@@ -42,6 +42,8 @@ public:
     bool waitForPage(const QString &name);
     bool waitForItem(const Probe::Target &item);
     bool waitUntilGone(const Probe::Target &item);
+    /** Keeps the pop-up that is open from closing by itself, however long its picture takes. */
+    bool keepOpen();
     /** Waits until a text is shown. */
     bool waitForText(const QString &text);
 
