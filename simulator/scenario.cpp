@@ -26,10 +26,16 @@ int lineAt(const QByteArray &text, int offset)
     return 1 + text.left(offset).count('\n');
 }
 
-/** The line on which each element of the outermost array begins; the text is known to be JSON. */
-QVector<int> elementLines(const QByteArray &text)
+/** An element of the outermost array, as it is written. */
+struct Element {
+    int line = 0;
+    int members = 0; ///< of the element itself, those that are there twice counted twice
+};
+
+/** The elements in their order; the text is known to be JSON. */
+QVector<Element> findElements(const QByteArray &text)
 {
-    QVector<int> lines;
+    QVector<Element> elements;
     int line = 1;
     int depth = 0;
     bool inString = false;
@@ -48,7 +54,7 @@ QVector<int> elementLines(const QByteArray &text)
         if (QByteArray(" \t\r\n").contains(c))
             continue;
         if (expectsElement && c != ']') {
-            lines.append(line);
+            elements.append({ line, 0 });
             expectsElement = false;
         }
         if (c == '"')
@@ -59,8 +65,10 @@ QVector<int> elementLines(const QByteArray &text)
             --depth;
         else if (c == ',' && depth == 1)
             expectsElement = true;
+        else if (c == ':' && depth == 2)
+            ++elements.last().members;
     }
-    return lines;
+    return elements;
 }
 
 bool readMessage(const QJsonObject &object, Scenario::Step *step, QString *problem)
@@ -170,7 +178,7 @@ bool Scenario::parse(const QByteArray &text, const QString &fileName, QString *p
     if (!document.isArray())
         return complain(1, QStringLiteral("expected an array of steps, found an object"));
     const QJsonArray array = document.array();
-    const QVector<int> lines = elementLines(text);
+    const QVector<Element> elements = findElements(text);
 
     QVector<Step> steps;
     bool takesTime = false;
@@ -178,13 +186,17 @@ bool Scenario::parse(const QByteArray &text, const QString &fileName, QString *p
         Step step;
         QString what;
         if (!array.at(i).isObject())
-            return complain(lines.at(i),
+            return complain(elements.at(i).line,
                 QStringLiteral("expected a step in braces, found %1").arg(jsonText(array.at(i))));
+        // A reader of JSON keeps one of them and tells nobody.
+        if (elements.at(i).members != array.at(i).toObject().size())
+            return complain(
+                elements.at(i).line, QStringLiteral("expected each member once, found one twice"));
         if (!readStep(array.at(i).toObject(), &step, &what))
-            return complain(lines.at(i), what);
+            return complain(elements.at(i).line, what);
         takesTime = takesTime || step.afterMs > 0;
         if (step.kind == Step::Repeat && !takesTime)
-            return complain(lines.at(i),
+            return complain(elements.at(i).line,
                 QStringLiteral("expected an \"after_ms\" above 0 on or before \"repeat\", "
                                "found none"));
         steps.append(step);

@@ -131,6 +131,16 @@ void ScenarioTest::malformedTellsFileLineAndExpectation_data()
     row("empty file", "", "x.json:1: expected JSON");
     row("no JSON", "[\n\n  { \"after_ms\": }\n]", "x.json:3: expected JSON");
     row("no array", "{}", "x.json:1: expected an array of steps");
+    row("cut off", "[\n { \"after_ms\": 0, \"action\": \"pl", "x.json:2: expected JSON");
+    row("member twice",
+        "[\n { \"after_ms\": 0, \"action\": \"play\" },\n"
+        " { \"after_ms\": 0,\n \"after_ms\": 5, \"action\": \"play\" } ]",
+        "x.json:3: expected each member once, found one twice");
+    row("mark before the text, line ends of another system",
+        "\xef\xbb\xbf[\r\n { \"after_ms\": -1 } ]", "x.json:2: expected \"after_ms\"");
+    row("more than fits", "[ { \"after_ms\": 4294967296, \"action\": \"play\" } ]",
+        "found 4294967296");
+    row("nested too deeply", QByteArray(5000, '[').constData(), "x.json:1: expected JSON");
     row("no object", "[\n  { \"after_ms\": 0, \"action\": \"play\" },\n  7\n]",
         "x.json:3: expected a step in braces, found 7");
     row("no time", "[\n { \"action\": \"play\" } ]", "x.json:2: expected \"after_ms\" to be");
