@@ -7,12 +7,8 @@ void Subject::prepareProbedProgram(Program &program, Platform platform, const Di
 {
     program.unsetEnvironment(QStringLiteral("TOUCHUI_DEBUG"));
     program.setEnvironment(QStringLiteral("VELUNOR_TOUCHUI_CONTROL_ZONE"), PlayingZone::name());
-    if (platform == OpenGl) {
-        program.setEnvironment(QStringLiteral("DISPLAY"), display.name());
-        program.setEnvironment(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-        program.setEnvironment(QStringLiteral("LIBGL_ALWAYS_SOFTWARE"), QStringLiteral("1"));
-        program.unsetEnvironment(QStringLiteral("QT_QUICK_BACKEND"));
-    }
+    if (platform == OpenGl)
+        program.drawOn(display.name());
 }
 
 void Subject::prepareProgram(Program &program, Platform platform, const Display &display)

@@ -58,9 +58,7 @@ void PagesTest::pagesShowWithoutComplaint()
     appliance.program.unsetEnvironment("TOUCHUI_DEBUG");
     if (onDisplay) {
         QVERIFY(display.start());
-        appliance.program.setEnvironment("QT_QPA_PLATFORM", "xcb");
-        appliance.program.setEnvironment("DISPLAY", display.name());
-        appliance.program.unsetEnvironment("QT_QUICK_BACKEND");
+        appliance.program.drawOn(display.name());
     }
     QVERIFY(appliance.startServices());
     appliance.publishZone("nowPlaying/imageKey", "cover");

@@ -27,8 +27,6 @@ Studio::Studio(const PanelKind &kind)
     , m_broker(Broker::Subscriptions)
 {
     m_kind.describeTo(m_program);
-    m_program.setEnvironment(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-    m_program.unsetEnvironment(QStringLiteral("QT_QUICK_BACKEND"));
     // Glyphs drawn from distance fields differ in the last bit with their places in the glyph
     // cache, which are a matter of timing.
     m_program.setEnvironment(QStringLiteral("QML_DISABLE_DISTANCEFIELD"), QStringLiteral("1"));
@@ -43,7 +41,7 @@ bool Studio::start()
     if (!m_display.start() || !m_broker.start() || !m_services.connectToBroker()
         || !startSimulator())
         return false;
-    m_program.setEnvironment(QStringLiteral("DISPLAY"), m_display.name());
+    m_program.drawOn(m_display.name());
     return m_program.startAndWait() && waitForPage(QStringLiteral("Welcome"))
         && m_kind.fitWindowOf(m_program);
 }

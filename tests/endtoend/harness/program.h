@@ -29,6 +29,8 @@ public:
     void setExecutable(const QString &path) { m_executable = path; }
     void setEnvironment(const QString &name, const QString &value);
     void unsetEnvironment(const QString &name);
+    /** To be called before start(): draws with OpenGL on the display of this name. */
+    void drawOn(const QString &display);
 
     /** Starts the program without waiting for anything it does; false when it cannot be run. */
     bool start();
