@@ -83,9 +83,7 @@ void TurnedTest::touchesLandWhereTheFingerIs()
     QVERIFY(display.start());
     m_appliance = std::make_unique<Appliance>();
     m_kind.describeTo(m_appliance->program);
-    m_appliance->program.setEnvironment("QT_QPA_PLATFORM", "xcb");
-    m_appliance->program.unsetEnvironment("QT_QUICK_BACKEND");
-    m_appliance->program.setEnvironment("DISPLAY", display.name());
+    m_appliance->program.drawOn(display.name());
     QVERIFY(m_appliance->start());
     QVERIFY(m_kind.fitWindowOf(m_appliance->program));
 
@@ -160,11 +158,10 @@ void TurnedTest::volumeDialog()
     QVERIFY(drag(corner + QPointF(290, 99.5), 100));
     const QList<QByteArray> steps { command(R"("set_volume","how":"relative","value":1.0)"),
         command(R"("set_volume","how":"relative","value":-1.0)") };
-    QTRY_VERIFY_WITH_TIMEOUT(m_appliance->commands().size() >= 3, PatienceMs);
-    QVERIFY(m_appliance->handled());
+    // A slow drag also sends what lies on its way.
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance->commands().last(),
+        command(R"("set_volume","how":"absolute","value":62.0)"), PatienceMs);
     QCOMPARE(m_appliance->commands().mid(0, 2), steps);
-    QCOMPARE(
-        m_appliance->commands().last(), command(R"("set_volume","how":"absolute","value":62.0)"));
 
     // Just inside the panel's corner a touch leaves it open, just outside it closes.
     QVERIFY(tapPage(corner.x() + 4, corner.y() + 4));
