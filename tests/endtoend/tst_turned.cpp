@@ -158,6 +158,7 @@ void TurnedTest::volumeDialog()
     QVERIFY(drag(corner + QPointF(290, 99.5), 100));
     const QList<QByteArray> steps { command(R"("set_volume","how":"relative","value":1.0)"),
         command(R"("set_volume","how":"relative","value":-1.0)") };
+    QTRY_VERIFY_WITH_TIMEOUT(m_appliance->commands().size() >= 3, PatienceMs);
     // A slow drag also sends what lies on its way.
     QTRY_COMPARE_WITH_TIMEOUT(m_appliance->commands().last(),
         command(R"("set_volume","how":"absolute","value":62.0)"), PatienceMs);
