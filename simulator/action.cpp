@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "action.h"
 
+#include "disturbance.h"
+#include "imageservice.h"
 #include "jsontext.h"
+#include "library.h"
+#include "zonesimulation.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -9,8 +13,11 @@
 #include <QVector>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
+
+constexpr int Unlimited = std::numeric_limits<int>::max();
 
 enum class Type { Text, Number, Real, Flag, List };
 
@@ -18,6 +25,9 @@ struct Argument {
     const char *name;
     Type type;
     bool required;
+    QStringList (*choices)() = nullptr; ///< of a Text; null: any
+    int lowest = 0;                     ///< of a Number
+    int highest = Unlimited;            ///< of a Number
 };
 
 struct Kind {
@@ -36,9 +46,13 @@ const QVector<Kind> &kinds()
         { "core_back", {}, "it is there again, with all zones" },
         { "remote_lost", {}, "the remote-control service loses its connection" },
         { "remote_back", {}, "it has it again" },
-        { "image", { { "mode", Type::Text, true }, { "ms", Type::Number, false } },
+        { "image",
+            { { "mode", Type::Text, true, ImageService::modeNames },
+                { "ms", Type::Number, false } },
             "cover art from now on: normal, slow (by ms), hang, fail, drop or garbage" },
-        { "play", { Zone, { "album", Type::Text, false }, { "track", Type::Number, false } },
+        { "play",
+            { Zone, { "album", Type::Text, false, Library::albumNames },
+                { "track", Type::Number, false, nullptr, 1 } },
             "plays on, or an album (or station) from a track on, counted from 1" },
         { "pause", { Zone }, "as another remote control would" },
         { "stop", { Zone }, "" },
@@ -48,7 +62,8 @@ const QVector<Kind> &kinds()
         { "empty_queue", { Zone }, "nothing is left to play" },
         { "shuffle", { Zone, On }, "" },
         { "radio", { Zone, On }, "whether similar music follows the queue" },
-        { "loop", { Zone, { "mode", Type::Text, true } }, "disabled, loop or loop_one" },
+        { "loop", { Zone, { "mode", Type::Text, true, ZoneSimulation::loopModes } },
+            "disabled, loop or loop_one" },
         { "volume", { Zone, { "value", Type::Real, true } }, "in the zone's own units" },
         { "mute", { Zone, On }, "" },
         { "rename", { Zone, { "name", Type::Text, false } },
@@ -62,46 +77,56 @@ const QVector<Kind> &kinds()
         { "inhibit_update", { { "reason", Type::Text, false } },
             "holds updates back; without a reason, no longer" },
         { "install_update", {}, "as the web service does when it is asked to" },
-        { "flood", { { "per_second", Type::Number, false }, { "seconds", Type::Number, false } },
+        { "flood",
+            { { "per_second", Type::Number, false, nullptr, 1, Disturbance::MostPerSecond },
+                { "seconds", Type::Number, false, nullptr, 1, Disturbance::LongestFloodS } },
             "changes of the first zone, 1000 a second for 10 s" },
-        { "noise", { { "count", Type::Number, false } },
+        { "noise", { { "count", Type::Number, false, nullptr, 1, Disturbance::MostNoise } },
             "malformed messages of every kind, 200 of them" },
         { "quit", {}, "the simulator ends" },
     };
     return all;
 }
 
-const char *typeName(Type type)
+/** What may stand there, to be read after "expected". */
+QString expectation(const Argument &argument)
 {
-    switch (type) {
+    switch (argument.type) {
     case Type::Text:
-        return "a text";
+        return argument.choices
+            ? QStringLiteral("one of ") + argument.choices().join(QStringLiteral(", "))
+            : QStringLiteral("a text");
     case Type::Number:
-        return "a whole number";
+        return QStringLiteral("a whole number from %1 %2")
+            .arg(argument.lowest)
+            .arg(argument.highest == Unlimited ? QStringLiteral("on")
+                                               : QStringLiteral("to %1").arg(argument.highest));
     case Type::Real:
-        return "a number";
+        return QStringLiteral("a number");
     case Type::Flag:
-        return "true or false";
+        return QStringLiteral("true or false");
     case Type::List:
-        return "a list of texts";
+        return QStringLiteral("a list of two or more texts");
     }
-    return "";
+    return QString();
 }
 
-bool isOfType(const QJsonValue &value, Type type)
+bool accepts(const Argument &argument, const QJsonValue &value)
 {
-    switch (type) {
+    switch (argument.type) {
     case Type::Text:
-        return value.isString();
+        return value.isString()
+            && (!argument.choices || argument.choices().contains(value.toString()));
     case Type::Number:
-        return value.isDouble() && value.toDouble() == value.toInt();
+        return value.isDouble() && value.toDouble() == value.toInt()
+            && value.toInt() >= argument.lowest && value.toInt() <= argument.highest;
     case Type::Real:
         return value.isDouble();
     case Type::Flag:
         return value.isBool();
     case Type::List: {
         const QJsonArray array = value.toArray();
-        return value.isArray()
+        return array.size() >= 2
             && std::all_of(array.begin(), array.end(),
                 [](const QJsonValue &element) { return element.isString(); });
     }
@@ -163,6 +188,26 @@ const Argument *findArgument(const Kind &kind, const QString &name, QString *pro
     return nullptr;
 }
 
+/** What only shows when the arguments are seen together. */
+bool fitsAlbum(const Action &action, QString *problem)
+{
+    const QString track = QStringLiteral("track");
+    if (!action.arguments.contains(track))
+        return true;
+    const Album *const album = Library::findAlbum(action.text("album"));
+    if (!album) {
+        *problem = QStringLiteral("expected \"album\" where there is \"track\", found none");
+        return false;
+    }
+    if (action.number("track", 1) > album->tracks.size()) {
+        *problem = QStringLiteral("expected \"track\" to be one of the %1 of \"%2\", found %3")
+                       .arg(album->tracks.size())
+                       .arg(album->name, jsonText(action.arguments.value(track)));
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
 QString Action::text(const char *argument) const
@@ -190,6 +235,26 @@ QStringList Action::list(const char *argument) const
     return arguments.value(QLatin1String(argument)).toVariant().toStringList();
 }
 
+QStringList Action::zones() const
+{
+    return arguments.contains(QLatin1String("zones")) ? list("zones") : QStringList(text("zone"));
+}
+
+QString Action::words() const
+{
+    QString line = name;
+    for (auto it = arguments.constBegin(); it != arguments.constEnd(); ++it) {
+        QString word = it.value().isArray() ? list(qUtf8Printable(it.key())).join(QLatin1Char(','))
+            : it.value().isString()         ? it.value().toString()
+                                            : jsonText(it.value());
+        word.replace(QLatin1Char('"'), QStringLiteral("\"\"\""));
+        if (word.contains(QLatin1Char(' ')))
+            word = QLatin1Char('"') + word + QLatin1Char('"');
+        line += QLatin1Char(' ') + it.key() + QLatin1Char('=') + word;
+    }
+    return line;
+}
+
 bool Action::fromJson(const QJsonObject &object, Action *action, QString *problem)
 {
     const QString nameMember = QStringLiteral("action");
@@ -208,21 +273,21 @@ bool Action::fromJson(const QJsonObject &object, Action *action, QString *proble
         const Argument *const argument = findArgument(*kind, it.key(), problem);
         if (!argument)
             return false;
-        if (!isOfType(it.value(), argument->type)) {
+        if (!accepts(*argument, it.value())) {
             *problem = QStringLiteral("expected \"%1\" of action \"%2\" to be %3, found %4")
-                           .arg(it.key(), made.name, QLatin1String(typeName(argument->type)),
-                               jsonText(it.value()));
+                           .arg(it.key(), made.name, expectation(*argument), jsonText(it.value()));
             return false;
         }
     }
     for (const Argument &argument : kind->arguments) {
         if (argument.required && !made.arguments.contains(QLatin1String(argument.name))) {
             *problem = QStringLiteral("expected action \"%1\" to have \"%2\" (%3), found none")
-                           .arg(made.name, QLatin1String(argument.name),
-                               QLatin1String(typeName(argument.type)));
+                           .arg(made.name, QLatin1String(argument.name), expectation(argument));
             return false;
         }
     }
+    if (!fitsAlbum(made, problem))
+        return false;
     *action = made;
     return true;
 }
@@ -251,8 +316,7 @@ bool Action::fromText(const QString &line, Action *action, QString *problem)
         const QJsonValue value = fromWord(word.mid(equals + 1), argument->type);
         if (equals < 0 || value.isUndefined()) {
             *problem = QStringLiteral("expected %1=VALUE to be %2, found \"%3\"")
-                           .arg(QLatin1String(argument->name),
-                               QLatin1String(typeName(argument->type)), word);
+                           .arg(QLatin1String(argument->name), expectation(*argument), word);
             return false;
         }
         object.insert(QLatin1String(argument->name), value);

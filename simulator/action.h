@@ -8,8 +8,8 @@
 /**
  * Something that can be made to happen in the simulated house, by a scenario or by a fault message.
  *
- * An action that parsed is complete and of the right types; whether it can be carried out (is there
- * such a zone?) shows when it is.
+ * An action that parsed is complete, and every argument has a value that it can have; whether it
+ * can be carried out (is there such a zone now?) shows when it is.
  */
 struct Action {
     QString name;
@@ -20,6 +20,11 @@ struct Action {
     double real(const char *argument) const;
     bool flag(const char *argument) const;
     QStringList list(const char *argument) const;
+    /** The names of the zones it is meant for; an empty one is the appliance's own. */
+    QStringList zones() const;
+
+    /** The whole as one line of words, which fromText() takes. */
+    QString words() const;
 
     /**
      * From a JSON object with the member "action" and the arguments.  False when it is none; then

@@ -45,12 +45,7 @@ bool ActionRunner::run(const Action &action, QString *reason)
     else if (is("remote_back"))
         m_remote->setConnected(true);
     else if (is("image")) {
-        ImageService::Mode mode = ImageService::Mode::Normal;
-        if (!ImageService::modeOf(action.text("mode"), &mode)) {
-            *reason = QStringLiteral("there is no mode \"%1\"").arg(action.text("mode"));
-            return false;
-        }
-        m_images->setMode(mode, qMax(0, action.number("ms", SlowMs)));
+        m_images->setMode(ImageService::modeOf(action.text("mode")), action.number("ms", SlowMs));
     } else if (is("group")) {
         if (!m_remote->group(action.list("zones"))) {
             *reason = QStringLiteral("a group needs two different zones that are there");
@@ -66,10 +61,10 @@ bool ActionRunner::run(const Action &action, QString *reason)
     else if (is("install_update"))
         return m_state->installUpdate(reason);
     else if (is("flood"))
-        m_disturbance->flood(qBound(1, action.number("per_second", FloodPerSecond), 100000),
-            qBound(1, action.number("seconds", FloodSeconds), 3600));
+        m_disturbance->flood(
+            action.number("per_second", FloodPerSecond), action.number("seconds", FloodSeconds));
     else if (is("noise"))
-        m_disturbance->noise(qBound(0, action.number("count", NoiseCount), 100000));
+        m_disturbance->noise(action.number("count", NoiseCount));
     else if (is("quit"))
         emit quitRequested();
     return true;
@@ -128,20 +123,8 @@ bool ActionRunner::play(const Action &action, QString *reason)
         *reason = QStringLiteral("the zone is switched off or follows another");
         return false;
     }
-    const QString albumName = action.text("album");
-    const int index = qMax(1, action.number("track", 1)) - 1;
-    if (albumName.isEmpty()) {
-        if (index > 0) {
-            *reason = QStringLiteral("a track is counted in an album");
-            return false;
-        }
-    } else {
-        const Album *const album = Library::findAlbum(albumName);
-        if (!album) {
-            *reason = QStringLiteral("there is no album \"%1\"").arg(albumName);
-            return false;
-        }
-        zone->setQueue({ album }, index);
-    }
+    const Album *const album = Library::findAlbum(action.text("album"));
+    if (album)
+        zone->setQueue({ album }, action.number("track", 1) - 1);
     return zone->play();
 }

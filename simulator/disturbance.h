@@ -15,11 +15,18 @@ class Disturbance : public QObject {
     Q_OBJECT
 
 public:
+    static constexpr int MostPerSecond = 100000;
+    static constexpr int LongestFloodS = 3600;
+    static constexpr int MostNoise = 100000;
+
     Disturbance(const QString &zoneId, quint32 seed, QObject *parent = nullptr);
 
-    /** Changes of the zone at a steady rate, in real time; one flood at a time. */
+    /**
+     * Changes of the zone at a steady rate, in real time; one flood at a time.  From 1 up to
+     * MostPerSecond for up to LongestFloodS seconds, which an int can count.
+     */
     void flood(int perSecond, int seconds);
-    /** Malformed messages on all kinds of topics, all at once and not retained. */
+    /** Malformed messages on all kinds of topics, MostNoise at most, all at once, not retained. */
     void noise(int count);
 
 signals:

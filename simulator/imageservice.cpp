@@ -62,15 +62,21 @@ void ImageService::setMode(Mode mode, int delayMs)
     }
 }
 
-bool ImageService::modeOf(const QString &name, Mode *mode)
+QStringList ImageService::modeNames()
+{
+    QStringList names;
+    for (const ModeName &known : ModeNames)
+        names.append(QLatin1String(known.name));
+    return names;
+}
+
+ImageService::Mode ImageService::modeOf(const QString &name)
 {
     for (const ModeName &known : ModeNames) {
-        if (name == QLatin1String(known.name)) {
-            *mode = known.mode;
-            return true;
-        }
+        if (name == QLatin1String(known.name))
+            return known.mode;
     }
-    return false;
+    return Mode::Normal;
 }
 
 void ImageService::answer(const Request &request, QTcpSocket *socket)

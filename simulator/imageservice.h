@@ -4,6 +4,7 @@
 #include "httpserver.h"
 
 #include <QPointer>
+#include <QStringList>
 #include <QTcpSocket>
 #include <QVector>
 
@@ -37,8 +38,10 @@ public:
      * counts for Slow.
      */
     void setMode(Mode mode, int delayMs = 0);
-    /** The mode of a name like "slow"; false for an unknown one. */
-    static bool modeOf(const QString &name, Mode *mode);
+    /** "normal", "slow" and so on. */
+    static QStringList modeNames();
+    /** The mode of one of these names; Normal for any other. */
+    static Mode modeOf(const QString &name);
 
 signals:
     /** One line for people: a request that was not answered as it should. */

@@ -175,6 +175,14 @@ const QVector<Album> &Library::albums()
     return all;
 }
 
+QStringList Library::albumNames()
+{
+    QStringList names;
+    for (const Album &album : albums())
+        names.append(album.name);
+    return names;
+}
+
 const Album *Library::findAlbum(const QString &name)
 {
     const QVector<Album> &all = albums();

@@ -4,6 +4,7 @@
 #include "album.h"
 #include "zonedescription.h"
 
+#include <QStringList>
 #include <QVector>
 
 /**
@@ -16,6 +17,9 @@ namespace Library {
 
 /** All albums, the radio stations last; the same in every run. */
 const QVector<Album> &albums();
+
+/** Their names, in the same order. */
+QStringList albumNames();
 
 /** The album of that name (exactly); null when there is none. */
 const Album *findAlbum(const QString &name);

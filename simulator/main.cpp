@@ -58,7 +58,7 @@ int run(const Options &options)
         return complain(Simulator::WrongOptions,
             QStringLiteral("--scenario: expected a file or one of %1; found \"%2\"")
                 .arg(ScenarioLibrary::names().join(QStringLiteral(", ")), options.scenario));
-    Scenario scenario;
+    Scenario scenario(options.zone);
     QString problem;
     if (!scenario.load(file, &problem))
         return complain(Simulator::MalformedScenario, problem);

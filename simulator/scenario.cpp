@@ -152,7 +152,26 @@ bool readStep(QJsonObject object, Scenario::Step *step, QString *problem)
     return Action::fromJson(object, &step->action, problem);
 }
 
+/** All names that a zone can have while the scenario is played. */
+QStringList findZoneNames(const QString &mainZone, const QVector<Scenario::Step> &steps)
+{
+    QStringList names { mainZone };
+    const QVector<ZoneDescription> others = Library::zones().mid(1);
+    for (const ZoneDescription &zone : others)
+        names.append(zone.name);
+    for (const Scenario::Step &step : steps) {
+        if (step.action.name == QLatin1String("rename"))
+            names.append(step.action.text("name"));
+    }
+    return names;
+}
+
 } // namespace
+
+Scenario::Scenario(const QString &mainZone)
+    : m_mainZone(mainZone)
+{
+}
 
 bool Scenario::load(const QString &fileName, QString *problem)
 {
@@ -200,6 +219,16 @@ bool Scenario::parse(const QByteArray &text, const QString &fileName, QString *p
                 QStringLiteral("expected an \"after_ms\" above 0 on or before \"repeat\", "
                                "found none"));
         steps.append(step);
+    }
+    const QStringList zones = findZoneNames(m_mainZone, steps);
+    for (int i = 0; i < steps.size(); ++i) {
+        const QStringList wanted = steps.at(i).action.zones();
+        for (const QString &zone : wanted) {
+            if (!zone.isEmpty() && !zones.contains(zone))
+                return complain(elements.at(i).line,
+                    QStringLiteral("expected a zone (%1), found \"%2\"")
+                        .arg(zones.join(QStringLiteral(", ")), zone));
+        }
     }
     m_steps = steps;
     return true;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "action.h"
+#include "library.h"
 
 #include <QByteArray>
 #include <QString>
@@ -24,6 +25,9 @@ public:
         QString note;
     };
 
+    /** @p mainZone is the name by which the appliance's own zone goes. */
+    explicit Scenario(const QString &mainZone = Library::zones().first().name);
+
     /** False when it cannot be read or is malformed; @p problem is then "FILE:LINE: what". */
     bool load(const QString &fileName, QString *problem);
     /** The same from the text of a file; @p fileName is only quoted. */
@@ -34,5 +38,6 @@ public:
     QString description() const;
 
 private:
+    QString m_mainZone;
     QVector<Step> m_steps;
 };

@@ -141,9 +141,9 @@ void Simulator::run(const Action &action)
 {
     QString reason;
     if (m_actions.run(action, &reason))
-        tell(QStringLiteral("action: %1").arg(action.name));
+        tell(QStringLiteral("action: ") + action.words());
     else
-        tell(QStringLiteral("action: %1: refused: %2").arg(action.name, reason));
+        tell(QStringLiteral("action: %1: refused: %2").arg(action.words(), reason));
 }
 
 void Simulator::publishFromScenario(const QString &topic, const QByteArray &payload, bool retain)

@@ -240,10 +240,14 @@ void ZoneSimulation::setShuffle(bool on)
     reportChanges();
 }
 
+QStringList ZoneSimulation::loopModes()
+{
+    return { QStringLiteral("disabled"), QStringLiteral("loop"), QStringLiteral("loop_one") };
+}
+
 bool ZoneSimulation::setLoop(const QString &mode)
 {
-    if (mode != QLatin1String("disabled") && mode != QLatin1String("loop")
-        && mode != QLatin1String("loop_one"))
+    if (!loopModes().contains(mode))
         return false;
     m_loop = mode;
     reportChanges();

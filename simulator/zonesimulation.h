@@ -73,7 +73,9 @@ public:
 
     void setAutoRadio(bool on);
     void setShuffle(bool on);
-    /** "disabled", "loop" or "loop_one"; false for anything else. */
+    /** "disabled", "loop" and "loop_one". */
+    static QStringList loopModes();
+    /** One of loopModes(); false for anything else. */
     bool setLoop(const QString &mode);
 
     /** Clamped to the hard limits and rounded to a whole number of steps; false when fixed. */

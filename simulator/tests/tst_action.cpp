@@ -9,6 +9,7 @@ class ActionTest : public QObject {
 private slots:
     void wordsAndJsonMeanTheSame_data();
     void wordsAndJsonMeanTheSame();
+    void isPrintedWithItsArguments();
     void malformedTellsWhatWasExpected_data();
     void malformedTellsWhatWasExpected();
     void overviewNamesEveryAction();
@@ -28,6 +29,10 @@ void ActionTest::wordsAndJsonMeanTheSame_data()
     row("shuffle on=true", R"({"action":"shuffle","on":true})");
     row("rename zone=\"Living Room\" name=\"A = B\"",
         R"({"action":"rename","zone":"Living Room","name":"A = B"})");
+    row("rename name=\"the \"\"\"big\"\"\" one\"",
+        R"({"action":"rename","name":"the \"big\" one"})");
+    row("rename name=", R"({"action":"rename","name":""})");
+    row("group zones=,\"Living Room\"", R"({"action":"group","zones":["","Living Room"]})");
     row("group zones=Kitchen,Bath", R"({"action":"group","zones":["Kitchen","Bath"]})");
 }
 
@@ -42,6 +47,27 @@ void ActionTest::wordsAndJsonMeanTheSame()
     QVERIFY2(Action::fromText(json, &fromJson, &problem), qPrintable(problem));
     QCOMPARE(fromWords.name, fromJson.name);
     QCOMPARE(fromWords.arguments, fromJson.arguments);
+    // What is printed can be typed again.
+    Action again;
+    QVERIFY2(Action::fromText(fromJson.words(), &again, &problem), qPrintable(problem));
+    QCOMPARE(again.arguments, fromJson.arguments);
+}
+
+void ActionTest::isPrintedWithItsArguments()
+{
+    Action action;
+    QString problem;
+    QVERIFY(Action::fromText(QStringLiteral("core_lost"), &action, &problem));
+    QCOMPARE(action.words(), QStringLiteral("core_lost"));
+    QVERIFY(Action::fromText(
+        QStringLiteral(R"({"action":"rename","zone":"Living Room","name":"Salon"})"), &action,
+        &problem));
+    QCOMPARE(action.words(), QStringLiteral("rename name=Salon zone=\"Living Room\""));
+    QVERIFY(Action::fromText(QStringLiteral("image ms=5 mode=slow"), &action, &problem));
+    QCOMPARE(action.words(), QStringLiteral("image mode=slow ms=5"));
+    QVERIFY(
+        Action::fromText(QStringLiteral("group zones=\"Living Room\",Bath"), &action, &problem));
+    QCOMPARE(action.words(), QStringLiteral("group zones=\"Living Room,Bath\""));
 }
 
 void ActionTest::malformedTellsWhatWasExpected_data()
@@ -58,6 +84,10 @@ void ActionTest::malformedTellsWhatWasExpected_data()
     row("image mode=slow ms=soon", "found \"ms=soon\"");
     row("image mode=slow hue=red", "found \"hue\"");
     row("shuffle on=perhaps", "found \"on=perhaps\"");
+    row("image mode=odd", "one of normal, slow, hang, fail, drop, garbage, found \"odd\"");
+    row("image mode=slow ms=-1", "found -1");
+    row("play track=3", "expected \"album\" where there is \"track\"");
+    row("play album=I track=99", "found 99");
     row("image mode", "found \"mode\"");
     row("{", "expected a JSON object");
     row("{}", "\"action\"");

@@ -24,6 +24,7 @@ private slots:
     void emptyArrayIsAScenario();
     void malformedTellsFileLineAndExpectation_data();
     void malformedTellsFileLineAndExpectation();
+    void knowsTheNamesThatZonesGetAndHave();
     void unreadableFileIsTold();
 
 private:
@@ -165,6 +166,37 @@ void ScenarioTest::malformedTellsFileLineAndExpectation_data()
         "[\n\n\n { \"after_ms\": 0, \"topic\": \"a\", \"payload\": \"\", \"qos\": 1 } ]",
         "x.json:4: expected \"after_ms\", \"topic\"");
     row("unknown action", "[ { \"after_ms\": 0, \"action\": \"explode\" } ]", "found \"explode\"");
+    const auto action = [&row](const char *name, const char *members, const char *problem) {
+        const QByteArray text
+            = QByteArray("[\n { \"after_ms\": 0, \"action\": ") + members + " } ]";
+        row(name, text.constData(), (QByteArray("x.json:2: ") + problem).constData());
+    };
+    action("unknown mode of pictures", R"("image", "mode": "odd")",
+        "expected \"mode\" of action \"image\" to be one of normal, slow, hang, fail, drop, "
+        "garbage, found \"odd\"");
+    action("negative delay", R"("image", "mode": "slow", "ms": -1)",
+        "expected \"ms\" of action \"image\" to be a whole number from 0 on, found -1");
+    action("unknown mode of loops", R"("loop", "mode": "twice")",
+        "expected \"mode\" of action \"loop\" to be one of disabled, loop, loop_one, found "
+        "\"twice\"");
+    action("unknown album", R"("play", "album": "Nothing")",
+        "expected \"album\" of action \"play\" to be one of Lanterns on the Breakwater, ");
+    action("track 0", R"("play", "album": "Northern Arithmetic", "track": 0)",
+        "expected \"track\" of action \"play\" to be a whole number from 1 on, found 0");
+    action("track beyond the last", R"("play", "album": "Northern Arithmetic", "track": 99)",
+        "expected \"track\" to be one of the ");
+    action("track of no album", R"("play", "track": 1)", "expected \"album\" where there is");
+    action("negative seconds", R"("seek", "seconds": -1)", "expected \"seconds\" of action");
+    action("unknown zone", R"("pause", "zone": "Cellar")", "expected a zone (Hugo2X, Kitchen, ");
+    action("unknown zone in a group", R"("group", "zones": ["", "Cellar"])", "expected a zone (");
+    action("group of one", R"("group", "zones": ["Kitchen"])",
+        "expected \"zones\" of action \"group\" to be a list of two or more texts, found "
+        "[\"Kitchen\"]");
+    action("endless flood", R"("flood", "per_second": 0)",
+        "expected \"per_second\" of action \"flood\" to be a whole number from 1 to 100000");
+    action("flood that is too fast", R"("flood", "per_second": 100001)", "expected");
+    action("flood that is too long", R"("flood", "seconds": 3601)", "expected");
+    action("too much noise", R"("noise", "count": 100001)", "expected");
     row("braces in texts",
         "[\n { \"after_ms\": 0, \"topic\": \"a\", \"payload\": \"{[\\\",\" },\n [ {\n } ],\n 5 ]",
         "x.json:3: expected a step in braces");
@@ -182,6 +214,19 @@ void ScenarioTest::malformedTellsFileLineAndExpectation()
     QVERIFY(!scenario.parse(text, QStringLiteral("x.json"), &found));
     QVERIFY2(found.contains(problem), qPrintable(found));
     QVERIFY(scenario.steps().isEmpty());
+}
+
+void ScenarioTest::knowsTheNamesThatZonesGetAndHave()
+{
+    const QByteArray text = R"([
+        { "after_ms": 0, "action": "pause", "zone": "Bathroom" },
+        { "after_ms": 9, "action": "rename", "zone": "Bath", "name": "Bathroom" },
+        { "after_ms": 9, "action": "pause", "zone": "Hugo2X" } ])";
+    QString problem;
+    QVERIFY2(Scenario().parse(text, QStringLiteral("x.json"), &problem), qPrintable(problem));
+    QVERIFY(!Scenario(QStringLiteral("Salon")).parse(text, QStringLiteral("x.json"), &problem));
+    QVERIFY2(problem.startsWith(QLatin1String("x.json:4: expected a zone (Salon, Kitchen, ")),
+        qPrintable(problem));
 }
 
 void ScenarioTest::unreadableFileIsTold()
