@@ -5,9 +5,10 @@
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
-#include <QTextStream>
 
+#include <cerrno>
 #include <csignal>
+#include <cstdio>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -24,12 +25,16 @@ void keepStandardDescriptors()
         close(descriptor);
 }
 
-/** Whole lines at once, so that a reader of a pipe sees them as they come. */
-void print(FILE *stream, const QString &text)
+/**
+ * Whole lines at once, so that a reader of a pipe sees them as they come.  False when that reader
+ * has left.
+ */
+bool print(FILE *stream, const QString &text)
 {
-    QTextStream out(stream);
-    out.setCodec("UTF-8");
-    out << text << Qt::endl;
+    errno = 0;
+    std::fprintf(stream, "%s\n", qUtf8Printable(text));
+    std::fflush(stream);
+    return errno != EPIPE;
 }
 
 int complain(int status, const QString &problem)
@@ -41,6 +46,10 @@ int complain(int status, const QString &problem)
 int list()
 {
     const QStringList names = ScenarioLibrary::names();
+    if (names.isEmpty())
+        return complain(Simulator::MalformedScenario,
+            QStringLiteral("no scenarios: expected some in %1")
+                .arg(ScenarioLibrary::places().join(QStringLiteral(" or "))));
     for (const QString &name : names) {
         Scenario scenario;
         QString problem;
@@ -54,18 +63,25 @@ int list()
 int run(const Options &options)
 {
     const QString file = ScenarioLibrary::file(options.scenario);
-    if (file.isEmpty())
+    if (file.isEmpty()) {
+        const QStringList names = ScenarioLibrary::names();
         return complain(Simulator::WrongOptions,
             QStringLiteral("--scenario: expected a file or one of %1; found \"%2\"")
-                .arg(ScenarioLibrary::names().join(QStringLiteral(", ")), options.scenario));
+                .arg(names.isEmpty() ? ScenarioLibrary::places().join(QStringLiteral(" or "))
+                                     : names.join(QStringLiteral(", ")),
+                    options.scenario));
+    }
     Scenario scenario(options.zone);
     QString problem;
     if (!scenario.load(file, &problem))
         return complain(Simulator::MalformedScenario, problem);
 
     Simulator simulator(options, scenario);
-    QObject::connect(
-        &simulator, &Simulator::told, [](const QString &line) { print(stdout, line); });
+    QObject::connect(&simulator, &Simulator::told, &simulator, [&simulator](const QString &line) {
+        if (!print(stdout, line)) // queued: the event loop may not run yet
+            QMetaObject::invokeMethod(
+                &simulator, [] { QCoreApplication::exit(Simulator::Ended); }, Qt::QueuedConnection);
+    });
     QObject::connect(
         &simulator, &Simulator::ended, &simulator,
         [](int status) { QCoreApplication::exit(status); }, Qt::QueuedConnection);
@@ -90,6 +106,7 @@ int run(const Options &options)
 int main(int argc, char *argv[])
 {
     keepStandardDescriptors();
+    std::signal(SIGPIPE, SIG_IGN); // a reader that leaves shall not end it without a goodbye
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("velunor-simulator"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TOUCHUI_VERSION));

@@ -121,8 +121,9 @@ bool Options::parse(const QStringList &arguments, Options *options, QString *pro
     if (parser.isSet(known.seed))
         made.seed = parser.value(known.seed).toUInt(&isNumber);
     if (!isNumber) {
-        *problem = QStringLiteral("--seed: expected a whole number from 0 on, found \"%1\"")
-                       .arg(parser.value(known.seed));
+        *problem
+            = QStringLiteral("--seed: expected a whole number from 0 to 4294967295, found \"%1\"")
+                  .arg(parser.value(known.seed));
         return false;
     }
     if (parser.isSet(known.zone))
@@ -155,7 +156,8 @@ QString Options::helpText()
                          "Without a zone, the appliance's own is meant. All actions:\n")
               .arg(Topics::fault(), Options().zone)
         + Action::overview()
-        + QStringLiteral("\nExit status: 0 ended by a signal or \"quit\", 2 wrong options, "
-                         "3 malformed scenario,\n4 no broker, 5 a port is taken, or the panel "
-                         "cannot be made.\n");
+        + QStringLiteral(
+            "\nExit status: 0 ended by a signal or \"quit\", 2 wrong options, "
+            "3 malformed scenario,\nor none to list, 4 no broker, 5 a port is taken, or the "
+            "panel cannot be made.\n");
 }

@@ -5,13 +5,19 @@
 #include <QDir>
 #include <QFileInfo>
 
+QStringList ScenarioLibrary::places()
+{
+    const QDir program(QCoreApplication::applicationDirPath());
+    return { QDir::cleanPath(program.filePath(QStringLiteral(TOUCHUI_SCENARIOS_INSTALLED))),
+        QDir::cleanPath(program.filePath(QStringLiteral(TOUCHUI_SCENARIOS_SOURCE))) };
+}
+
 QString ScenarioLibrary::folder()
 {
-    const QStringList places { QStringLiteral(TOUCHUI_SCENARIOS_SOURCE),
-        QCoreApplication::applicationDirPath() + QStringLiteral("/" TOUCHUI_SCENARIOS_INSTALLED) };
-    for (const QString &place : places) {
+    const QStringList candidates = places();
+    for (const QString &place : candidates) {
         if (QFileInfo(place).isDir())
-            return QDir::cleanPath(place);
+            return place;
     }
     return QString();
 }
@@ -19,6 +25,8 @@ QString ScenarioLibrary::folder()
 QStringList ScenarioLibrary::names()
 {
     QStringList names;
+    if (folder().isEmpty())
+        return names;
     const QFileInfoList files
         = QDir(folder()).entryInfoList({ QStringLiteral("*.json") }, QDir::Files, QDir::Name);
     for (const QFileInfo &file : files)

@@ -4,10 +4,13 @@
 #include <QString>
 #include <QStringList>
 
-/** Where the scenarios that come with the program lie: in the source tree, or installed. */
+/** Where the scenarios that come with the program lie: installed, or in the source tree. */
 namespace ScenarioLibrary {
 
-/** The folder in use; empty when there is none. */
+/** The folders in which they are looked for, in this order. */
+QStringList places();
+
+/** The first of them that is there; empty when none is. */
 QString folder();
 
 /** The names of all scenarios in it, sorted, without ".json". */

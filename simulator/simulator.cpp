@@ -10,6 +10,23 @@ constexpr int ClockMs = 1000;      // of simulated time
 constexpr int ShortestTickMs = 10; // of real time
 constexpr int LongestLine = 500;   // in characters, beyond which nobody reads
 
+/** Whether it would change the direction of all that follows it on the terminal. */
+bool turnsText(QChar character)
+{
+    switch (character.direction()) {
+    case QChar::DirLRE:
+    case QChar::DirRLE:
+    case QChar::DirLRO:
+    case QChar::DirRLO:
+    case QChar::DirLRI:
+    case QChar::DirRLI:
+    case QChar::DirFSI:
+        return true;
+    default:
+        return false;
+    }
+}
+
 /** What comes from outside as one line of readable length. */
 QString oneLine(QString text)
 {
@@ -19,7 +36,9 @@ QString oneLine(QString text)
         text += QStringLiteral("… (%1 more)").arg(tooMany);
     }
     for (QChar &character : text) {
-        if (character.category() == QChar::Other_Control)
+        const bool breaksLine = character.category() == QChar::Other_Control
+            || character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
+        if (breaksLine || turnsText(character))
             character = QChar::ReplacementCharacter;
     }
     return text;
@@ -123,6 +142,8 @@ bool Simulator::start(QString *problem)
     for (const Scenario::Step &step : qAsConst(m_early))
         publishFromScenario(step.topic, step.payload, step.retain);
     m_early.clear();
+    // A broker that takes the connection and is then silent is waited for without end.
+    tell(QStringLiteral("broker: waiting for an answer at 127.0.0.1:%1").arg(m_options.brokerPort));
     m_link.connectToBroker();
     return true;
 }

@@ -46,7 +46,10 @@ public:
 signals:
     /** The simulation is over, with this exit status. */
     void ended(int status);
-    /** One line for people, cut when very long, without control characters or newline. */
+    /**
+     * One line for people, cut when very long, without newline, control characters, or what turns
+     * the direction of the text.
+     */
     void told(const QString &line);
 
 private:

@@ -83,6 +83,7 @@ void OptionsTest::wrongOnesAreNamed_data()
     row("--speed 1001", "\"1001\"");
     row("--speed nan", "\"nan\"");
     row("--seed -1", "\"-1\"");
+    row("--seed 4294967296", "from 0 to 4294967295, found \"4294967296\"");
     row("--seed x", "\"x\"");
     row("--broker-port 0", "\"0\"");
     row("--broker-port 65536", "\"65536\"");

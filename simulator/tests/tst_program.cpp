@@ -5,11 +5,13 @@
 #include "topics.h"
 #include "waiting.h"
 
+#include <QDir>
 #include <QImage>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QProcess>
 #include <QTcpServer>
+#include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QTest>
 
@@ -34,6 +36,8 @@ class ProgramTest : public QObject {
 private slots:
     void endsWithItsStatus_data();
     void endsWithItsStatus();
+    void installedOneFindsItsOwnScenarios();
+    void withoutScenariosSaysWhereTheyWereExpected();
     void malformedScenarioEndsWithFileAndLine();
     void withoutBrokerEndsWithItsStatus();
     void takenPortEndsWithItsStatus();
@@ -46,8 +50,10 @@ private slots:
     void takesFaultsAtRunTime();
     void faultWithoutEffectIsRefused_data();
     void faultWithoutEffectIsRefused();
-    void longPayloadsAreCut();
+    void payloadsAreOneReadableLine();
     void worksWithoutStandardOutput();
+    void endsInOrderWhenNobodyReads();
+    void silentBrokerIsNamed();
     void returnsToARestartedBroker();
     void floodIsCompleteAndTheTruthReturns();
     void noiseIsFollowedByTheTruth();
@@ -82,6 +88,50 @@ void ProgramTest::endsWithItsStatus()
     QVERIFY(simulator.waitForExit());
     QCOMPARE(simulator.exitStatus(), status);
     QVERIFY(simulator.waitForLine(line));
+}
+
+void ProgramTest::installedOneFindsItsOwnScenarios()
+{
+    QTemporaryDir prefix;
+    QDir top(prefix.path());
+    QVERIFY(top.mkpath(QStringLiteral("bin")));
+    QVERIFY(top.mkpath(QStringLiteral("share/velunor-touchui/scenarios")));
+    QVERIFY(QFile::copy(QStringLiteral(TOUCHUI_SIMULATOR), top.filePath(QStringLiteral("bin/s"))));
+    QFile own(top.filePath(QStringLiteral("share/velunor-touchui/scenarios/own.json")));
+    QVERIFY(own.open(QIODevice::WriteOnly));
+    own.write("[ { \"after_ms\": 0, \"note\": \"Its own.\", \"action\": \"play\" } ]");
+    own.close();
+    QProcess program;
+    program.start(top.filePath(QStringLiteral("bin/s")), { QStringLiteral("--list") });
+    QVERIFY(program.waitForFinished());
+    QCOMPARE(program.exitCode(), 0);
+    QCOMPARE(program.readAllStandardOutput(), QByteArray("own             Its own.\n"));
+}
+
+void ProgramTest::withoutScenariosSaysWhereTheyWereExpected()
+{
+    QTemporaryDir prefix;
+    QDir top(prefix.path());
+    const QString bin = QStringLiteral("so/deep/that/it/is/beside/no/source/tree/bin");
+    QVERIFY(top.mkpath(bin));
+    const QString copy = top.filePath(bin + QStringLiteral("/s"));
+    QVERIFY(QFile::copy(QStringLiteral(TOUCHUI_SIMULATOR), copy));
+    const QByteArray place
+        = top.filePath(
+                 QStringLiteral("so/deep/that/it/is/beside/no/source/tree/share/velunor-touchui/"
+                                "scenarios or "))
+              .toLocal8Bit();
+    QProcess program;
+    program.start(copy, { QStringLiteral("--list") });
+    QVERIFY(program.waitForFinished());
+    QCOMPARE(program.exitCode(), 3);
+    QCOMPARE(program.readAllStandardOutput(), QByteArray());
+    const QByteArray found = program.readAllStandardError();
+    QVERIFY2(found.startsWith("velunor-simulator: no scenarios: expected some in " + place), found);
+    program.start(copy, {});
+    QVERIFY(program.waitForFinished());
+    QCOMPARE(program.exitCode(), 2);
+    QVERIFY(program.readAllStandardError().contains(place));
 }
 
 void ProgramTest::malformedScenarioEndsWithFileAndLine()
@@ -307,7 +357,7 @@ void ProgramTest::faultWithoutEffectIsRefused()
     QVERIFY(simulator.lines().filter("playing: Kitchen").isEmpty());
 }
 
-void ProgramTest::longPayloadsAreCut()
+void ProgramTest::payloadsAreOneReadableLine()
 {
     Broker broker;
     QVERIFY(broker.start());
@@ -318,6 +368,9 @@ void ProgramTest::longPayloadsAreCut()
     display.publish(Topics::display() + "zone", QByteArray(100000, 'z'));
     const QString cut = QStringLiteral("zone: ") + QString(494, 'z');
     QVERIFY(simulator.waitForLine(cut + QString::fromUtf8("… (99506 more)")));
+    display.publish(
+        Topics::display() + "zone", QString::fromUtf8("a\nb\u2028c\u202ed غرفة ").toUtf8());
+    QVERIFY(simulator.waitForLine(QString::fromUtf8("zone: a�b�c�d غرفة")));
     QVERIFY(simulator.stop());
 }
 
@@ -339,6 +392,30 @@ void ProgramTest::worksWithoutStandardOutput()
     shell.terminate();
     QVERIFY(shell.waitForFinished());
     QCOMPARE(shell.exitCode(), 0);
+}
+
+void ProgramTest::endsInOrderWhenNobodyReads()
+{
+    Broker broker;
+    QVERIFY(broker.start());
+    QProcess reader;
+    reader.start(QStringLiteral("/bin/sh"),
+        { QStringLiteral("-c"), QStringLiteral("(\"$0\"; echo status $? >&2) | head -n 1"),
+            QStringLiteral(TOUCHUI_SIMULATOR) });
+    QVERIFY(reader.waitForFinished());
+    QCOMPARE(reader.readAllStandardOutput().count('\n'), 1);
+    QCOMPARE(reader.readAllStandardError(), QByteArray("status 0\n"));
+}
+
+void ProgramTest::silentBrokerIsNamed()
+{
+    QTcpServer silent;
+    QVERIFY(silent.listen(QHostAddress::LocalHost));
+    SimulatorProgram simulator;
+    QVERIFY(simulator.start({ "--broker-port", QString::number(silent.serverPort()) }));
+    QVERIFY(simulator.waitForLine(
+        QStringLiteral("broker: waiting for an answer at 127.0.0.1:%1").arg(silent.serverPort())));
+    QVERIFY(simulator.stop());
 }
 
 void ProgramTest::returnsToARestartedBroker()
