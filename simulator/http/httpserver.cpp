@@ -25,10 +25,11 @@ QByteArray reason(int status)
     return "Internal Server Error";
 }
 
-QByteArray message(int status, const QByteArray &contentType, const QByteArray &body)
+/** What precedes a body. */
+QByteArray head(int status, const QByteArray &contentType, int length)
 {
     return "HTTP/1.1 " + QByteArray::number(status) + ' ' + reason(status) + "\r\nContent-Type: "
-        + contentType + "\r\nContent-Length: " + QByteArray::number(body.size()) + HeadEnd + body;
+        + contentType + "\r\nContent-Length: " + QByteArray::number(length) + HeadEnd;
 }
 
 /** Reads all but the body.  False when the head is not one of a request. */
@@ -88,13 +89,12 @@ void HttpServer::respond(
     const auto connection = m_connections.find(socket);
     if (connection == m_connections.end() || !connection->isAsked)
         return;
-    socket->write(message(status, contentType, body));
+    socket->write(head(status, contentType, body.size()));
+    if (connection->wantsBody)
+        socket->write(body);
     connection->isAsked = false;
     if (connection->isLast)
         close(socket);
-    else // queued: each request ends before the next is looked at
-        QMetaObject::invokeMethod(
-            socket, [this, socket] { receive(socket); }, Qt::QueuedConnection);
 }
 
 /** Once all is written; nothing more is read until then. */
@@ -111,6 +111,7 @@ void HttpServer::accept()
         // What is not looked at yet stays in the socket, and what exceeds this, with the client.
         socket->setReadBufferSize(LongestRequest);
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] { receive(socket); });
+        connect(socket, &QTcpSocket::bytesWritten, this, [this, socket] { receive(socket); });
         connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
             m_connections.remove(socket);
             socket->deleteLater();
@@ -123,6 +124,8 @@ void HttpServer::receive(QTcpSocket *socket)
     const auto connection = m_connections.find(socket);
     if (connection == m_connections.end() || connection->isAsked)
         return;
+    if (socket->bytesToWrite() > 0) // else answers would heap up for a client that does not read
+        return;
     const QByteArray received = socket->peek(LongestRequest);
     const int headLength = received.indexOf(HeadEnd);
     if (headLength < 0) {
@@ -134,7 +137,8 @@ void HttpServer::receive(QTcpSocket *socket)
     const bool isRequest = readHead(received.left(headLength), &request);
     const qint64 length = bodyLength(request);
     if (!isRequest || length < 0) {
-        socket->write(message(400, "text/plain", "this is no request\n"));
+        const QByteArray body = "this is no request\n";
+        socket->write(head(400, "text/plain", body.size()) + body);
         close(socket);
         return;
     }
@@ -148,6 +152,7 @@ void HttpServer::receive(QTcpSocket *socket)
     socket->read(bodyStart);
     request.body = socket->read(length);
     connection->isAsked = true;
+    connection->wantsBody = request.method != "HEAD";
     connection->isLast = wantsToLeave(request);
     answer(request, socket);
 }

@@ -12,10 +12,10 @@ class QTcpSocket;
  * stand-ins of the simulator and of the tests.
  *
  * Connections stay open for further requests, unless the client asks otherwise.  Requests that are
- * sent ahead wait until the one before has been answered.  What is no request, or has a body of
- * unknown length, is answered with status 400 and ends the connection; a request of more than
- * 64 KiB ends it without an answer.  Destruction closes all connections; it may happen at any time
- * but in answer().
+ * sent ahead wait until the answer to the one before has left.  What is no request, or has a body
+ * of unknown length, is answered with status 400 and ends the connection; a request of more than 64
+ * KiB ends it without an answer.  Destruction closes all connections; it may happen at any time but
+ * in answer().
  */
 class HttpServer : public QObject {
     Q_OBJECT
@@ -43,14 +43,18 @@ protected:
      */
     virtual void answer(const Request &request, QTcpSocket *socket) = 0;
 
-    /** Nothing happens on a socket that has no unanswered request, or is closed already. */
+    /**
+     * Nothing happens on a socket that has no unanswered request, or is closed already.  The body
+     * is left out where the request was HEAD.
+     */
     void respond(
         QTcpSocket *socket, int status, const QByteArray &contentType, const QByteArray &body);
 
 private:
     struct Connection {
-        bool isAsked = false; ///< there is a request without an answer
-        bool isLast = false;  ///< the client wants the connection closed after the answer
+        bool isAsked = false;  ///< there is a request without an answer
+        bool wantsBody = true; ///< its answer has a body
+        bool isLast = false;   ///< the client wants the connection closed after the answer
     };
 
     void accept();

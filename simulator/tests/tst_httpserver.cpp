@@ -86,6 +86,8 @@ private slots:
     void answersComeInTheOrderOfTheRequests();
     void requestsBeyondTheLimitAreServedOneByOne();
     void closingSendsTheWholeAnswer();
+    void clientThatDoesNotReadGetsOneAnswer();
+    void headIsAnsweredWithoutABody();
     void onlyTheFirstAnswerCounts();
     void droppedConnectionGetsNoAnswer();
     void clientMayVanish_data();
@@ -328,6 +330,26 @@ void HttpServerTest::closingSendsTheWholeAnswer()
     send({ "GET /large HTTP/1.0\r\n\r\n" });
     QTRY_VERIFY(!isOpen());
     QCOMPARE(received().size(), answerOf(QByteArray(LargeBody, 'x')).size());
+}
+
+void HttpServerTest::clientThatDoesNotReadGetsOneAnswer()
+{
+    m_client->setReadBufferSize(1);
+    const QByteArray large = "GET /large HTTP/1.1\r\n\r\n";
+    m_client->write(large + large + large);
+    QTRY_COMPARE(m_server->asked.size(), 1);
+    letServerRead();
+    QCOMPARE(m_server->asked.size(), 1);
+    m_client->setReadBufferSize(0);
+    QTRY_COMPARE(m_server->asked.size(), 3);
+    QTRY_COMPARE(received().size(), 3 * answerOf(QByteArray(LargeBody, 'x')).size());
+}
+
+void HttpServerTest::headIsAnsweredWithoutABody()
+{
+    m_client->write("HEAD /now HTTP/1.1\r\n\r\n" + Get);
+    const QByteArray head = answerOf("HEAD /now");
+    QTRY_COMPARE(received(), head.left(head.indexOf("\r\n\r\n") + 4) + answerOf("GET /now"));
 }
 
 void HttpServerTest::onlyTheFirstAnswerCounts()
