@@ -98,6 +98,8 @@ private slots:
     void isGoneEvenBeforeItIsUp();
     void keepsOutOfTheWayOfTakenPorts();
     void isShownOverVncWithoutADisplay();
+    void isShownOverVncOnAWaylandDesk();
+    void worksForRootWithoutUserNamespaces();
     void restartsItsBroker();
     void passesTypedLinesOn();
     void leavesTheMachinesPanelAsItWas();
@@ -254,8 +256,42 @@ void DemoTest::isShownOverVncWithoutADisplay()
     QTRY_VERIFY_WITH_TIMEOUT(viewer.bytesAvailable() >= 12, PatienceMs);
     QVERIFY(viewer.readAll().startsWith("RFB 003."));
     viewer.abort();
+    // The address is soon out of sight.
+    terminal.type("\n");
+    QTRY_COMPARE_WITH_TIMEOUT(
+        terminal.printed().count("demo: no display here; look at vnc://"), 2, PatienceMs);
     terminal.type("\x03");
     QVERIFY(terminal.waitForExit());
+}
+
+void DemoTest::isShownOverVncOnAWaylandDesk()
+{
+    m_environment.remove("DISPLAY");
+    m_environment.insert("WAYLAND_DISPLAY", "wayland-0");
+    // The address is still told when it has gone through the door to another network.
+    QTcpServer webService;
+    QVERIFY(webService.listen(QHostAddress::LocalHost, 8080));
+    Terminal terminal;
+    QVERIFY(start(terminal));
+    m_environment.insert("DISPLAY", m_display.name());
+    m_environment.remove("WAYLAND_DISPLAY");
+    QVERIFY(terminal.waitFor("demo: no display here; look at vnc://localhost:59"));
+    QVERIFY(terminal.waitFor("return fetched mage\n"));
+}
+
+void DemoTest::worksForRootWithoutUserNamespaces()
+{
+    // Each user namespace, such as the one that this test runs in, has a limit of its own.
+    QFile limit(QStringLiteral("/proc/sys/user/max_user_namespaces"));
+    QVERIFY(limit.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+    const QByteArray before = limit.readAll();
+    limit.seek(0);
+    QCOMPARE(limit.write("0\n"), 2);
+    Terminal terminal;
+    const bool shown = start(terminal) && terminal.waitFor("Entering main event loop...");
+    limit.seek(0);
+    QCOMPARE(limit.write(before), before.size());
+    QVERIFY(shown);
 }
 
 void DemoTest::restartsItsBroker()
@@ -334,6 +370,7 @@ void DemoTest::endsWithItsStatus_data()
     row("value missing", { "--scenario" }, 2, "demo: --scenario needs a value\n");
     row("value empty", { "--scenario", "" }, 2, "demo: --scenario needs a value\n");
     row("unknown size", { "--size", "640x480" }, 2, "demo: there is no panel of 640x480\n");
+    row("wrong build", { "--build", "/nowhere" }, 2, "demo: the programs are not in /nowhere\n");
     row("unknown scenario", { "--scenario", "nonsense" }, 2, "expected a file or one of");
 }
 
