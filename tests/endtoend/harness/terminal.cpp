@@ -54,6 +54,10 @@ bool Terminal::run(
 
     m_process = ::forkpty(&m_terminal, nullptr, nullptr, nullptr);
     if (m_process == 0) {
+        // What runs in a terminal heeds its signals, even when the test runs in the background of a
+        // script.
+        for (int number : { SIGHUP, SIGINT, SIGTERM })
+            ::signal(number, SIG_DFL);
         if (::chdir(place.constData()) == 0)
             ::execve(argv.first(), argv.data(), envp.data());
         ::_exit(127);
