@@ -121,7 +121,7 @@ bool WholeLibraryTest::touchPrevious()
 bool WholeLibraryTest::playToTheEnd()
 {
     const QString before = told("nowPlaying/song");
-    const int end = told("nowPlaying/length").toInt() - 2;
+    const int end = told("nowPlaying/length").toInt() - 1;
     if (end > 0) {
         m_listener.publish(Topics::fault(), "seek seconds=" + QByteArray::number(end));
         if (!waitUntil([&] { return told("nowPlaying/seekPosition").toInt() == end; })) {
@@ -197,7 +197,7 @@ void WholeLibraryTest::everyTrackIsShownAsItPlays()
     QVERIFY(m_broker.start());
     QVERIFY(m_listener.connectToBroker());
     // Fast enough that a track ends soon, slow enough that the next can be paused before its end.
-    QVERIFY(m_simulator.startAndWait({ "--scenario", "playing", "--speed", "6" }));
+    QVERIFY(m_simulator.startAndWait({ "--scenario", "playing", "--speed", "12" }));
     QVERIFY(m_program.startAndWait());
     QVERIFY(m_program.waitForPage("RoonPlayerWindow2"));
     QVERIFY(touchUntil("playPause", "state", QStringLiteral("paused")));
