@@ -89,7 +89,9 @@ QVector<ZoneSimulation::Property> ZoneSimulation::properties() const
         { "settings/shuffle", boolean(m_shuffle) },
         { "settings/loop", m_loop.toUtf8() },
         { "settings/autoRadio", boolean(m_autoRadio) },
-        { "queue_items_remaining", QByteArray::number(entry ? m_order.size() - m_place : 0) },
+        // The programmes of a station are nobody's queue.
+        { "queue_items_remaining",
+            QByteArray::number(entry && !radio ? m_order.size() - m_place : 0) },
         { "queue_time_remaining", QByteArray::number(remainingSeconds()) },
         { "is_previous_allowed", boolean(entry && !radio) },
         { "is_next_allowed", boolean(hasNext()) },

@@ -266,6 +266,7 @@ void ZoneSimulationTest::radioCannotSeekSkipOrPause()
     QVERIFY(!m_zone->previous());
     QCOMPARE(value("nowPlaying/length"), QByteArray("0"));
     QCOMPARE(value("nowPlaying/seekPosition"), QByteArray("3"));
+    QCOMPARE(value("queue_items_remaining"), QByteArray("0"));
     QCOMPARE(value("is_seek_allowed"), QByteArray("false"));
     QCOMPARE(value("is_next_allowed"), QByteArray("false"));
     QCOMPARE(value("is_previous_allowed"), QByteArray("false"));
