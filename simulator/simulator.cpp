@@ -8,7 +8,7 @@ namespace {
 
 constexpr int ClockMs = 1000;      // of simulated time
 constexpr int ShortestTickMs = 10; // of real time
-constexpr int LongestLine = 500;   // in characters, beyond which nobody reads
+constexpr int LongestLine = 1000;  // in characters, beyond which nobody reads
 
 /** Whether it would change the direction of all that follows it on the terminal. */
 bool turnsText(QChar character)
