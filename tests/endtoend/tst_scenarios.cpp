@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "broker.h"
+#include "panel.h"
+#include "program.h"
+#include "simulatorprogram.h"
+#include "waiting.h"
+
+#include <QDir>
+#include <QTest>
+
+/** Every scenario that comes with the simulator, played to the real program. */
+class ScenariosTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void bringsTheProgramWhereItShould_data();
+    void bringsTheProgramWhereItShould();
+};
+
+void ScenariosTest::bringsTheProgramWhereItShould_data()
+{
+    QTest::addColumn<QString>("speed");     // slow enough for pages to outlast the welcome
+    QTest::addColumn<QStringList>("pages"); // one after the other
+    QTest::addColumn<QString>("line");      // then the simulator has told this
+    QTest::addColumn<QString>("text");      // and then this is shown
+    QStringList names;
+    const QString player = QStringLiteral("RoonPlayerWindow2");
+    const auto row = [&names](const char *scenario, const char *speed, const QStringList &pages,
+                         const char *line, const char *text) {
+        names.append(QString::fromLatin1(scenario) + QStringLiteral(".json"));
+        QTest::newRow(scenario) << QString::fromLatin1(speed) << pages << QString::fromUtf8(line)
+                                << QString::fromUtf8(text);
+    };
+    row("core-lost", "5", { "RoonConnectionFailure", player }, "action: core_back", "Hugo2X");
+    row("first-boot", "1.5", { "RoonConnectionFailure", player }, "playing: Hugo2X",
+        "Harbour Before Six");
+    row("flood", "1", { player }, "action: flood", "Harbour Before Six");
+    row("grouped", "5", { player }, "action: group", "Hugo2X + Kitchen");
+    row("hostile", "5", { player }, "action: noise", "Hugo2X");
+    row("paused-to-clock", "5", { "Clock", player }, "action: play", "Hugo2X");
+    row("playing", "5", { player }, "playing: Hugo2X", "Harbour Before Six");
+    row("radio", "5", { player }, "playing: Hugo2X", "Harbour Light FM");
+    row("soak", "20", { player }, "action: withdraw_update", "Hugo2X");
+    row("update", "2", { player, "UpdateInstalling" }, "update: installing",
+        "Update in progress...");
+    row("zone-missing", "5", { "RoonZoneNotFound", player }, "action: restore", "Hugo2X");
+    QCOMPARE(names, QDir(QStringLiteral(TOUCHUI_SCENARIOS)).entryList(QDir::Files, QDir::Name));
+}
+
+void ScenariosTest::bringsTheProgramWhereItShould()
+{
+    QFETCH(QString, speed);
+    QFETCH(QStringList, pages);
+    QFETCH(QString, line);
+    QFETCH(QString, text);
+    const Panel panel;
+    Broker broker;
+    QVERIFY(broker.start());
+    SimulatorProgram simulator;
+    QVERIFY(simulator.startAndWait({ "--scenario", QTest::currentDataTag(), "--speed", speed }));
+    Program program;
+    QVERIFY(program.startAndWait());
+    for (const QString &page : qAsConst(pages))
+        QVERIFY(program.waitForPage(page));
+    QVERIFY(simulator.waitForLine(line));
+    QTRY_VERIFY_WITH_TIMEOUT(program.probe().shows(Probe::Target::text(text)), PatienceMs);
+    for (const LogLine &each : program.log())
+        QVERIFY2(each.level != "WARN" || !(each.file.isEmpty() || each.file.endsWith(".qml")),
+            qPrintable(each.whole));
+    QVERIFY(program.stop());
+    QVERIFY(simulator.stop());
+}
+
+QTEST_GUILESS_MAIN(ScenariosTest)
+#include "tst_scenarios.moc"
