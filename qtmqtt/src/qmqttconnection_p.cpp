@@ -89,10 +89,14 @@ void QMqttConnection::open()
         open({ address });
         return;
     }
-    m_lookup = QHostInfo::lookupHost(m_settings.hostname, this, [this](const QHostInfo &info) {
-        m_lookup = -1;
-        open(info.addresses());
-    });
+    // By the slot's name: a lookup that is aborted never frees a functor that it was given.
+    m_lookup = QHostInfo::lookupHost(m_settings.hostname, this, SLOT(useLookup(QHostInfo)));
+}
+
+void QMqttConnection::useLookup(const QHostInfo &info)
+{
+    m_lookup = -1;
+    open(info.addresses());
 }
 
 void QMqttConnection::open(const QList<QHostAddress> &addresses)

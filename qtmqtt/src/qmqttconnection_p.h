@@ -17,6 +17,7 @@
 #include <variant>
 
 class QDeadlineTimer;
+class QHostInfo;
 class QSocketNotifier;
 struct mosquitto;
 struct mosquitto_message;
@@ -101,6 +102,9 @@ public:
 Q_SIGNALS:
     /** Emitted for the first event after the queue was empty. */
     void eventsAvailable();
+
+private Q_SLOTS:
+    void useLookup(const QHostInfo &info);
 
 private:
     enum Phase { Opening, Open, Over };
