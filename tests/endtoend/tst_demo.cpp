@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display.h"
 #include "panel.h"
+#include "program.h"
 #include "terminal.h"
 #include "waiting.h"
 #include "windows.h"
@@ -129,6 +130,7 @@ void DemoTest::initTestCase()
     m_environment.remove("WAYLAND_DISPLAY");
     m_environment.remove("XAUTHORITY");
     m_environment.remove("QT_QPA_PLATFORM");
+    Program::allowDriver(m_environment);
     m_before = traces();
 }
 

@@ -113,13 +113,18 @@ void Program::drawOn(const QString &display)
     setEnvironment(QStringLiteral("DISPLAY"), display);
     setEnvironment(QStringLiteral("LIBGL_ALWAYS_SOFTWARE"), QStringLiteral("1"));
     unsetEnvironment(QStringLiteral("QT_QUICK_BACKEND"));
+    allowDriver(m_environment);
+}
+
+void Program::allowDriver(QProcessEnvironment &environment)
+{
     // The driver compiles at run time.  Once the compiled code is known to libgcc, its unwinder
     // allocates memory under a lock, so that a sanitizer that unwinds allocations with it waits for
     // itself.  What the driver leaves behind cannot be told from leaks of ours: it is unloaded when
     // leaks are looked for.  They are where the scene is drawn without it.
-    const QString options = m_environment.value(QStringLiteral("ASAN_OPTIONS"));
-    setEnvironment(QStringLiteral("ASAN_OPTIONS"),
-        options + QStringLiteral(":fast_unwind_on_malloc=1:detect_leaks=0"));
+    const QString name = QStringLiteral("ASAN_OPTIONS");
+    environment.insert(
+        name, environment.value(name) + QStringLiteral(":fast_unwind_on_malloc=1:detect_leaks=0"));
 }
 
 bool Program::start()

@@ -31,6 +31,8 @@ public:
     void unsetEnvironment(const QString &name);
     /** To be called before start(): draws with OpenGL on the display of this name. */
     void drawOn(const QString &display);
+    /** Has sanitizers, where there are any, get along with OpenGL's software driver. */
+    static void allowDriver(QProcessEnvironment &environment);
 
     /** Starts the program without waiting for anything it does; false when it cannot be run. */
     bool start();
