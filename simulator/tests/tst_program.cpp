@@ -27,6 +27,18 @@ QString zoneTopic(const char *key)
     return Topics::zone(Zone, key);
 }
 
+/** The simulator at work, and somebody who listens. */
+struct Appliance {
+    Broker broker;
+    BrokerClient display;
+    SimulatorProgram simulator;
+
+    bool start(const QStringList &arguments = {})
+    {
+        return broker.start() && display.connectToBroker() && simulator.startAndWait(arguments);
+    }
+};
+
 } // namespace
 
 /** The program as it is run, with a real broker. */
@@ -188,12 +200,9 @@ void ProgramTest::retainedMessagesAwaitThoseWhoComeLater()
 
 void ProgramTest::obeysAndPrintsCommands()
 {
-    Broker broker;
-    QVERIFY(broker.start());
-    BrokerClient display;
-    QVERIFY(display.connectToBroker());
-    SimulatorProgram simulator;
-    QVERIFY(simulator.startAndWait());
+    Appliance appliance;
+    QVERIFY(appliance.start());
+    auto &[broker, display, simulator] = appliance;
     QVERIFY(display.waitFor(zoneTopic("state"), "playing"));
     display.publish(Topics::command(), R"({"command":"playpause","zone_id":"1601a7c2-hugo2x"})");
     QVERIFY(display.waitFor(zoneTopic("state"), "paused"));
@@ -227,12 +236,9 @@ void ProgramTest::printsWhatTheDisplayTells()
 
 void ProgramTest::timePassesOnlyWithMusic()
 {
-    Broker broker;
-    QVERIFY(broker.start());
-    BrokerClient display;
-    QVERIFY(display.connectToBroker());
-    SimulatorProgram simulator;
-    QVERIFY(simulator.startAndWait({ "--speed", "100" }));
+    Appliance appliance;
+    QVERIFY(appliance.start({ "--speed", "100" }));
+    auto &[broker, display, simulator] = appliance;
     QTRY_VERIFY_WITH_TIMEOUT(
         display.payloads(zoneTopic("nowPlaying/song")).size() >= 3, PatienceMs);
     display.publish(Topics::fault(), "pause");
@@ -244,12 +250,9 @@ void ProgramTest::timePassesOnlyWithMusic()
 
 void ProgramTest::servesCoverArtWhereItSays()
 {
-    Broker broker;
-    QVERIFY(broker.start());
-    BrokerClient display;
-    QVERIFY(display.connectToBroker());
-    SimulatorProgram simulator;
-    QVERIFY(simulator.startAndWait());
+    Appliance appliance;
+    QVERIFY(appliance.start());
+    auto &[broker, display, simulator] = appliance;
     QTRY_VERIFY_WITH_TIMEOUT(
         !display.payloads(zoneTopic("nowPlaying/imageKey")).isEmpty(), PatienceMs);
     const QString address = QString::fromUtf8(display.payloads(Topics::core("serverUrl")).value(0));
@@ -270,12 +273,9 @@ void ProgramTest::servesCoverArtWhereItSays()
 
 void ProgramTest::installsAnUpdateWhenAsked()
 {
-    Broker broker;
-    QVERIFY(broker.start());
-    BrokerClient display;
-    QVERIFY(display.connectToBroker());
-    SimulatorProgram simulator;
-    QVERIFY(simulator.startAndWait({ "--speed", "50" }));
+    Appliance appliance;
+    QVERIFY(appliance.start({ "--speed", "50" }));
+    auto &[broker, display, simulator] = appliance;
     display.publish(Topics::fault(), "offer_update info=2.0");
     QVERIFY(display.waitFor(Topics::state("UpdateAvailable"), "true"));
     QNetworkAccessManager network;
@@ -290,12 +290,9 @@ void ProgramTest::installsAnUpdateWhenAsked()
 
 void ProgramTest::takesFaultsAtRunTime()
 {
-    Broker broker;
-    QVERIFY(broker.start());
-    BrokerClient display;
-    QVERIFY(display.connectToBroker());
-    SimulatorProgram simulator;
-    QVERIFY(simulator.startAndWait());
+    Appliance appliance;
+    QVERIFY(appliance.start());
+    auto &[broker, display, simulator] = appliance;
     display.publish(Topics::fault(), "core_lost");
     QVERIFY(display.waitFor(Topics::core("coreDetected"), "false"));
     QVERIFY(display.waitFor(Topics::availableZones(), "[]"));
@@ -342,12 +339,9 @@ void ProgramTest::faultWithoutEffectIsRefused()
 {
     QFETCH(QStringList, before);
     QFETCH(QString, fault);
-    Broker broker;
-    QVERIFY(broker.start());
-    BrokerClient display;
-    QVERIFY(display.connectToBroker());
-    SimulatorProgram simulator;
-    QVERIFY(simulator.startAndWait());
+    Appliance appliance;
+    QVERIFY(appliance.start());
+    auto &[broker, display, simulator] = appliance;
     for (const QString &each : qAsConst(before)) {
         display.publish(Topics::fault(), each.toUtf8());
         QVERIFY(simulator.waitForLine("action: " + each));
@@ -359,12 +353,9 @@ void ProgramTest::faultWithoutEffectIsRefused()
 
 void ProgramTest::payloadsAreOneReadableLine()
 {
-    Broker broker;
-    QVERIFY(broker.start());
-    BrokerClient display;
-    QVERIFY(display.connectToBroker());
-    SimulatorProgram simulator;
-    QVERIFY(simulator.startAndWait());
+    Appliance appliance;
+    QVERIFY(appliance.start());
+    auto &[broker, display, simulator] = appliance;
     display.publish(Topics::display() + "zone", QByteArray(100000, 'z'));
     const QString cut = QStringLiteral("zone: ") + QString(994, 'z');
     QVERIFY(simulator.waitForLine(cut + QString::fromUtf8("… (99006 more)")));
@@ -446,12 +437,9 @@ void ProgramTest::returnsToARestartedBroker()
 
 void ProgramTest::floodIsCompleteAndTheTruthReturns()
 {
-    Broker broker;
-    QVERIFY(broker.start());
-    BrokerClient display;
-    QVERIFY(display.connectToBroker());
-    SimulatorProgram simulator;
-    QVERIFY(simulator.startAndWait());
+    Appliance appliance;
+    QVERIFY(appliance.start());
+    auto &[broker, display, simulator] = appliance;
     QVERIFY(display.waitFor(zoneTopic("state"), "playing"));
     const QByteArray song = display.payloads(zoneTopic("nowPlaying/song")).last();
     display.clear();
@@ -468,12 +456,9 @@ void ProgramTest::floodIsCompleteAndTheTruthReturns()
 
 void ProgramTest::noiseIsFollowedByTheTruth()
 {
-    Broker broker;
-    QVERIFY(broker.start());
-    BrokerClient display;
-    QVERIFY(display.connectToBroker());
-    SimulatorProgram simulator;
-    QVERIFY(simulator.startAndWait());
+    Appliance appliance;
+    QVERIFY(appliance.start());
+    auto &[broker, display, simulator] = appliance;
     QVERIFY(display.waitFor(zoneTopic("state"), "playing"));
     display.publish(Topics::fault(), "noise count=500");
     QVERIFY(simulator.waitForLine("action: noise"));
@@ -495,13 +480,11 @@ void ProgramTest::noiseIsFollowedByTheTruth()
 void ProgramTest::sameSeedSameMessages()
 {
     const auto songs = [](const char *seed) {
-        Broker broker;
-        BrokerClient display;
-        SimulatorProgram simulator;
+        Appliance appliance;
         QList<QByteArray> heard;
-        if (!broker.start() || !display.connectToBroker()
-            || !simulator.startAndWait({ "--seed", seed, "--zone", "Den" }))
+        if (!appliance.start({ "--seed", seed, "--zone", "Den" }))
             return heard;
+        BrokerClient &display = appliance.display;
         display.publish(Topics::fault(), "shuffle on=true");
         for (int i = 0; i < 20; ++i)
             display.publish(Topics::fault(), "next");
@@ -517,12 +500,9 @@ void ProgramTest::sameSeedSameMessages()
 
 void ProgramTest::firstStepsAreTrueFromTheBeginning()
 {
-    Broker broker;
-    QVERIFY(broker.start());
-    BrokerClient display;
-    QVERIFY(display.connectToBroker());
-    SimulatorProgram simulator;
-    QVERIFY(simulator.startAndWait({ "--scenario", "first-boot", "--speed", "0" }));
+    Appliance appliance;
+    QVERIFY(appliance.start({ "--scenario", "first-boot", "--speed", "0" }));
+    auto &[broker, display, simulator] = appliance;
     QVERIFY(display.waitFor(Topics::state("RequireConfigure"), "true"));
     QVERIFY(display.waitFor(Topics::core("coreDetected"), "false"));
     QCOMPARE(display.payloads(Topics::core("coreDetected")), QList<QByteArray> { "false" });
