@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "appliance.h"
+#include "pagenames.h"
 #include "waiting.h"
 
 #include <QTest>
@@ -7,20 +8,14 @@
 #include <functional>
 #include <memory>
 
+using namespace PageNames;
+
 namespace {
 
 const QString IdleTopic = "Velunor/touch_ui/v3/Display/idle";
 const QByteArray Toggle = R"({"command":"toggle_standby"})";
 const QByteArray KitchenOnly = R"([{"id":"z1","name":"Kitchen"}])";
 const QByteArray BathOnly = R"([{"id":"z2","name":"Bath"}])";
-
-const QString Player = "RoonPlayerWindow2";
-const QString Settings = "SettingsWindow";
-const QString Failure = "RoonConnectionFailure";
-const QString ScreenSaver = "ScreenSaver";
-const QString Clock = "Clock";
-const QString NotFound = "RoonZoneNotFound";
-const QString Update = "UpdateInstalling";
 
 /** Something that happens on the appliance or on its screen. */
 using Event = std::function<bool(Appliance &)>;

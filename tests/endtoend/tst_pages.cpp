@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "appliance.h"
 #include "display.h"
+#include "pagenames.h"
 #include "waiting.h"
 
 #include <QElapsedTimer>
@@ -8,19 +9,13 @@
 
 #include <functional>
 
+using namespace PageNames;
+
 namespace {
 
 const QByteArray Toggle = R"({"command":"toggle_standby"})";
 const QByteArray KitchenOnly = R"([{"id":"z1","name":"Kitchen"}])";
 const QByteArray BathOnly = R"([{"id":"z2","name":"Bath"}])";
-
-const QString Player = "RoonPlayerWindow2";
-const QString Settings = "SettingsWindow";
-const QString Failure = "RoonConnectionFailure";
-const QString ScreenSaver = "ScreenSaver";
-const QString Clock = "Clock";
-const QString NotFound = "RoonZoneNotFound";
-const QString Update = "UpdateInstalling";
 
 /** Something that lasts until the page goes. */
 using Moment = std::function<bool(Appliance &)>;

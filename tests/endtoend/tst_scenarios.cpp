@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "broker.h"
+#include "pagenames.h"
 #include "panel.h"
 #include "program.h"
 #include "simulatorprogram.h"
@@ -7,6 +8,8 @@
 
 #include <QDir>
 #include <QTest>
+
+using namespace PageNames;
 
 /** Every scenario that comes with the simulator, played to the real program. */
 class ScenariosTest : public QObject {
@@ -24,26 +27,23 @@ void ScenariosTest::bringsTheProgramWhereItShould_data()
     QTest::addColumn<QString>("line");      // then the simulator has told this
     QTest::addColumn<QString>("text");      // and then this is shown
     QStringList names;
-    const QString player = QStringLiteral("RoonPlayerWindow2");
     const auto row = [&names](const char *scenario, const char *speed, const QStringList &pages,
                          const char *line, const char *text) {
         names.append(QString::fromLatin1(scenario) + QStringLiteral(".json"));
         QTest::newRow(scenario) << QString::fromLatin1(speed) << pages << QString::fromUtf8(line)
                                 << QString::fromUtf8(text);
     };
-    row("core-lost", "5", { "RoonConnectionFailure", player }, "action: core_back", "Hugo2X");
-    row("first-boot", "1.5", { "RoonConnectionFailure", player }, "playing: Hugo2X",
-        "Harbour Before Six");
-    row("flood", "1", { player }, "action: flood", "Harbour Before Six");
-    row("grouped", "5", { player }, "action: group", "Hugo2X + Kitchen");
-    row("hostile", "5", { player }, "action: noise", "Hugo2X");
-    row("paused-to-clock", "5", { "Clock", player }, "action: play", "Hugo2X");
-    row("playing", "5", { player }, "playing: Hugo2X", "Harbour Before Six");
-    row("radio", "5", { player }, "playing: Hugo2X", "Harbour Light FM");
-    row("soak", "20", { player }, "action: withdraw_update", "Hugo2X");
-    row("update", "2", { player, "UpdateInstalling" }, "update: installing",
-        "Update in progress...");
-    row("zone-missing", "5", { "RoonZoneNotFound", player }, "action: restore", "Hugo2X");
+    row("core-lost", "5", { Failure, Player }, "action: core_back", "Hugo2X");
+    row("first-boot", "1.5", { Failure, Player }, "playing: Hugo2X", "Harbour Before Six");
+    row("flood", "1", { Player }, "action: flood", "Harbour Before Six");
+    row("grouped", "5", { Player }, "action: group", "Hugo2X + Kitchen");
+    row("hostile", "5", { Player }, "action: noise", "Hugo2X");
+    row("paused-to-clock", "5", { Clock, Player }, "action: play", "Hugo2X");
+    row("playing", "5", { Player }, "playing: Hugo2X", "Harbour Before Six");
+    row("radio", "5", { Player }, "playing: Hugo2X", "Harbour Light FM");
+    row("soak", "20", { Player }, "action: withdraw_update", "Hugo2X");
+    row("update", "2", { Player, Update }, "update: installing", "Update in progress...");
+    row("zone-missing", "5", { NotFound, Player }, "action: restore", "Hugo2X");
     QCOMPARE(names, QDir(QStringLiteral(TOUCHUI_SCENARIOS)).entryList(QDir::Files, QDir::Name));
 }
 

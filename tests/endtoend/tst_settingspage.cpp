@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "appliance.h"
+#include "pagenames.h"
 #include "waiting.h"
 
 #include <QDir>
@@ -10,10 +11,11 @@
 
 #include <memory>
 
+using namespace PageNames;
+
 namespace {
 
 const QString SettingsFile = "/data/velunor-touch.ini";
-const QString Player = "RoonPlayerWindow2";
 const QString Page = "SettingsWindow";
 
 QByteArray stored()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "appliance.h"
 #include "hostidentity.h"
+#include "pagenames.h"
 #include "waiting.h"
 
 #include <QJsonArray>
@@ -11,15 +12,12 @@
 
 #include <memory>
 
+using namespace PageNames;
+
 namespace {
 
 const QByteArray HostName = "a-host-name-that-has-forty-characters-xy";
 const QByteArray Toggle = R"({"command":"toggle_standby"})";
-const QString Clock = "Clock";
-const QString Failure = "RoonConnectionFailure";
-const QString NotFound = "RoonZoneNotFound";
-const QString Player = "RoonPlayerWindow2";
-const QString Update = "UpdateInstalling";
 
 QByteArray zoneList(const QString &id, const QString &name)
 {

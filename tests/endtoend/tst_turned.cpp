@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "appliance.h"
 #include "display.h"
+#include "pagenames.h"
 #include "panelkind.h"
 #include "waiting.h"
 
@@ -9,18 +10,13 @@
 
 #include <memory>
 
+using namespace PageNames;
+
 namespace {
 
 const QString CommandTopic = "Velunor/Controller/remote_control/v4/Control/command";
 const QString ZoneTopic = "Velunor/touch_ui/v3/Display/zone";
 const QString SettingsFile = "/data/velunor-touch.ini";
-
-const QString Player = "RoonPlayerWindow2";
-const QString Settings = "SettingsWindow";
-const QString Failure = "RoonConnectionFailure";
-const QString ScreenSaver = "ScreenSaver";
-const QString Clock = "Clock";
-const QString NotFound = "RoonZoneNotFound";
 
 QByteArray command(const QByteArray &text)
 {

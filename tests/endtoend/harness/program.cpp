@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program.h"
+#include "pagenames.h"
 
 #include "waiting.h"
 
@@ -13,8 +14,9 @@ namespace {
 
 constexpr int LoaderReady = 1; // QML's Loader.Ready
 
-const QStringList Pages { "Welcome", "RoonPlayerWindow2", "SettingsWindow", "RoonConnectionFailure",
-    "ScreenSaver", "Clock", "RoonZoneNotFound", "UpdateInstalling" };
+const QStringList Pages { PageNames::Welcome, PageNames::Player, PageNames::Settings,
+    PageNames::Failure, PageNames::ScreenSaver, PageNames::Clock, PageNames::NotFound,
+    PageNames::Update };
 
 /** True for a variable that would let the surroundings of the test reach into the program. */
 bool isForeign(const QString &name)
