@@ -21,7 +21,8 @@ public:
 
     /**
      * Starts delivering @p signal (a number as in <signal.h>). Asking twice changes nothing; a
-     * signal that cannot be caught is logged at debug level and keeps its default handling.
+     * signal that cannot be caught is logged at debug level and keeps its default handling.  So
+     * does every signal where the socket pair could not be made: caught, it would be lost.
      */
     void watchForSignal(int signal);
 
@@ -33,6 +34,9 @@ signals:
 private:
     Q_DECLARE_PRIVATE(UnixSignalWatcher)
     Q_DISABLE_COPY(UnixSignalWatcher)
+    // In the meta-object only.  It is no member function that a connection could point to, so the
+    // private part has the notifier call its function through a lambda instead of connecting by
+    // name.
     Q_PRIVATE_SLOT(d_func(), void _q_onNotify(int))
 
     UnixSignalWatcherPrivate *const d_ptr;

@@ -59,6 +59,9 @@ void UnixSignalWatcherPrivate::watchForSignal(int signal)
         qDebug().noquote().nospace() << "Already watching for signal " << signal;
         return;
     }
+    // A signal that nobody could be told of keeps its default effect, which ends the process.
+    if (!m_notifier)
+        return;
     struct sigaction action = {};
     action.sa_handler = handleSignal;
     sigemptyset(&action.sa_mask);
