@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 
 namespace {
 
@@ -20,7 +21,7 @@ struct Repeats {
     QBasicMutex mutex;
     // The last line, in parts: most lines are hidden and never put together.
     QByteArray file;
-    int number = -1; // no message has this one
+    std::optional<int> number; // none before the first message; scene errors may have -1
     QString message;
     int count = 0; // further copies of the line, counted no further than the first one that is not
                    // printed

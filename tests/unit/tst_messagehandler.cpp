@@ -83,6 +83,7 @@ private slots:
     void switchingDebugOffWorksAtOnce();
 
     void linesOfSeveralThreadsStayWhole();
+    void theFirstMessageIsNoRepeat();
     void fatalMessageIsPrintedBeforeTheEnd();
 
 private:
@@ -321,6 +322,20 @@ void TestMessageHandler::linesOfSeveralThreadsStayWhole()
     }
 }
 
+// Scene errors may come without file and line, so no such message may stand for "none yet".
+void TestMessageHandler::theFirstMessageIsNoRepeat()
+{
+    for (const char *const line : { "0", "-1" }) {
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(),
+            { QStringLiteral("--repeat"), QString::fromLatin1(line) });
+        QVERIFY(child.waitForFinished());
+        const QByteArray printed = QByteArray("WARN  [(") + line + ")] \n";
+        QCOMPARE(child.readAllStandardError(),
+            printed.repeated(5) + "WARN  last message repeated 5 times\n");
+    }
+}
+
 void TestMessageHandler::fatalMessageIsPrintedBeforeTheEnd()
 {
     QProcess child;
@@ -337,6 +352,13 @@ int main(int argc, char **argv)
     if (application.arguments().contains(QStringLiteral("--die"))) {
         qInstallMessageHandler(messageHandler);
         QMessageLogger("src/main.cpp", 1, nullptr).fatal("the end");
+    }
+    const int repeat = application.arguments().indexOf(QStringLiteral("--repeat"));
+    if (repeat >= 0) {
+        const int line = application.arguments().value(repeat + 1).toInt();
+        for (int copy = 0; copy < 6; ++copy)
+            send(QtWarningMsg, QString(), nullptr, line);
+        return 0;
     }
     TestMessageHandler test;
     return QTest::qExec(&test, argc, argv);
