@@ -18,7 +18,9 @@ class ImageProvider;
  *
  * A fetch that is not wanted any more is abandoned when it has had a second; one that is still
  * wanted then has the logo shown until it ends, so that no cover stays under another track's title.
- * Where a fetch fails the logo is shown. Lives in the GUI thread, may be destroyed at any moment.
+ * Where a fetch fails the logo is shown. When the core moves, the picture that is wanted is fetched
+ * from its new address at once, the one on view as well. Lives in the GUI thread, may be destroyed
+ * at any moment.
  */
 class CoverArtLoader : public QObject {
     Q_OBJECT
@@ -35,7 +37,8 @@ public:
     QUrl wanted() const { return m_wanted; }
     void setWanted(const QUrl &url);
 
-    /** The picture to show; empty until the first one is there. */
+    /** The picture to show; empty until the first one is there, and for a moment before the same
+     * picture comes from another address of the core. */
     QUrl source() const { return m_source; }
 
     /** Whether a picture is being fetched. */
@@ -50,11 +53,13 @@ private:
     void schedule();
     void load();
     void patienceEnded();
+    void serverMoved();
     void setSource(const QUrl &url);
 
     QUrl m_wanted;
     QUrl m_loading; // what is being fetched, while waiting
     QUrl m_source;
+    QUrl m_sourceAddress; // where the picture on view was fetched; empty if it was not
     bool m_scheduled = false;
     ImageProvider *m_waitingFor = nullptr; // null unless a fetch is going on
     QTimer m_patience;                     // runs for the first second of a fetch

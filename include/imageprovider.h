@@ -10,7 +10,6 @@
 
 #include <memory>
 
-class QEventLoop;
 class QNetworkAccessManager;
 class QNetworkReply;
 
@@ -50,13 +49,15 @@ public:
     void abandonFetches();
 
 private:
+    struct Wait;
+
     QImage fetchedImage(const QUrl &url, QSize *size);
     QNetworkReply *get(QNetworkAccessManager &manager, const QUrl &url);
 
     QMutex m_lock; // guards the next three
     QUrl m_lastUrl;
     std::unique_ptr<QImage> m_cachedImage;
-    QVector<QEventLoop *> m_waits;
+    QVector<Wait *> m_waits;
 
     QImage m_logo; // not changed after construction
 };

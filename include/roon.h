@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "changenotifier.h"
+
 #include <QObject>
 #include <QString>
 
@@ -40,7 +42,10 @@ public:
 
     /** Host and port of the core's image service; empty until the core was announced. */
     QString serverUrl() const { return m_serverUrl; }
-    void setServerUrl(const QString &url) { m_serverUrl = url; }
+    /** Tells serverUrlNotifier() of a change; the scene is not told. */
+    void setServerUrl(const QString &url);
+    /** For who fetches from the image service; lives as long as this object. */
+    const ChangeNotifier *serverUrlNotifier() const { return &m_serverUrlNotifier; }
 
     QString version() const { return m_version; }
     void setVersion(const QString &version) { m_version = version; }
@@ -63,5 +68,6 @@ private:
     QString m_serverName;
     QString m_id;
     QString m_serverUrl;
+    ChangeNotifier m_serverUrlNotifier;
     QString m_version;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "coverartloader.h"
+#include "changenotifier.h"
 #include "imageprovider.h"
+#include "roon.h"
 #include "storeifchanged.h"
 
 #include <QPointer>
@@ -43,6 +45,8 @@ CoverArtLoader::CoverArtLoader(QObject *parent)
     m_patience.setSingleShot(true);
     m_patience.setInterval(PatienceMs);
     connect(&m_patience, &QTimer::timeout, this, &CoverArtLoader::patienceEnded);
+    connect(Roon::instance()->serverUrlNotifier(), &ChangeNotifier::changed, this,
+        &CoverArtLoader::serverMoved);
 }
 
 CoverArtLoader::~CoverArtLoader()
@@ -106,10 +110,17 @@ void CoverArtLoader::load()
     m_patience.stop();
     m_waitingFor = nullptr;
     emit waitingChanged();
-    if (m_wanted != url || ImageProvider::imageUrl(id) != address)
+    if (m_wanted != url || ImageProvider::imageUrl(id) != address) {
         schedule(); // another picture is wanted by now, or the core has moved
-    else
-        setSource(available ? url : logo());
+    } else if (!available) {
+        setSource(logo());
+    } else {
+        // A picture item loads again only when its address changes.
+        if (m_source == url && m_sourceAddress != address)
+            setSource(QUrl());
+        setSource(url);
+        m_sourceAddress = address;
+    }
 }
 
 void CoverArtLoader::patienceEnded()
@@ -118,6 +129,13 @@ void CoverArtLoader::patienceEnded()
         m_waitingFor->abandonFetches();
     else
         setSource(logo());
+}
+
+void CoverArtLoader::serverMoved()
+{
+    if (m_waitingFor) // for an address that does not hold any more
+        m_waitingFor->abandonFetches();
+    schedule();
 }
 
 void CoverArtLoader::setSource(const QUrl &url)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "imageprovider.h"
-#include "roon.h"
+#include "coveraddress.h"
 
 #include <QDebug>
 #include <QEventLoop>
@@ -24,6 +24,12 @@ QString noImageId()
 
 } // namespace
 
+/** One wait for a reply.  The flag is guarded by the provider's lock while the wait is listed. */
+struct ImageProvider::Wait {
+    QEventLoop loop;
+    bool abandoned = false;
+};
+
 ImageProvider::ImageProvider(QQmlImageProviderBase::ImageType type)
     : QQuickImageProvider(type)
 {
@@ -36,9 +42,7 @@ ImageProvider::ImageProvider(QQmlImageProviderBase::ImageType type)
 
 QUrl ImageProvider::imageUrl(const QString &id)
 {
-    return QUrl(QStringLiteral("http://") + Roon::instance()->serverUrl()
-        + QStringLiteral("/image/") + id
-        + QStringLiteral("?scale=fit&width=402&height=402&format=image/jpeg"));
+    return QUrl(coverAddress(id, ShownCoverSize));
 }
 
 bool ImageProvider::isFetched(const QString &id)
@@ -78,17 +82,15 @@ QImage ImageProvider::fetchedImage(const QUrl &url, QSize *size)
 {
     QNetworkAccessManager manager;
     QNetworkReply *reply = get(manager, url);
-    if (reply->isFinished() && reply->error() != QNetworkReply::NoError) {
+    if (reply && reply->error() != QNetworkReply::NoError) {
+        // Deliberate: "occured" is how this line is spelled, and "mage" below.
         qCritical() << "ImageProvider::requestImage() ERROR occured, retrying...";
         manager.clearConnectionCache();
         reply->deleteLater();
         reply = get(manager, url);
     }
-    if (!reply->isFinished()) {
-        // The wait was abandoned, or the program quits.  Such a reply has no error to show yet.
-        reply->abort();
+    if (!reply)
         return m_logo;
-    }
     reply->deleteLater();
     if (reply->error() != QNetworkReply::NoError) {
         qCritical().noquote().nospace()
@@ -108,22 +110,28 @@ QImage ImageProvider::fetchedImage(const QUrl &url, QSize *size)
     return image;
 }
 
-/** Asks for @p url and waits. The reply is unfinished if the wait was ended from outside. */
+/**
+ * Asks for @p url and waits. Null if the wait was ended from outside, abandoned or because the
+ * program quits, even where the reply came in that very moment.
+ */
 QNetworkReply *ImageProvider::get(QNetworkAccessManager &manager, const QUrl &url)
 {
-    QEventLoop loop;
+    Wait wait;
     QNetworkReply *const reply = manager.get(QNetworkRequest(url));
-    QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    QObject::connect(reply, &QNetworkReply::finished, &wait.loop, &QEventLoop::quit);
     {
         QMutexLocker locker(&m_lock);
-        m_waits.append(&loop);
+        m_waits.append(&wait);
     }
-    loop.exec();
+    wait.loop.exec();
     {
         QMutexLocker locker(&m_lock);
-        m_waits.removeOne(&loop);
+        m_waits.removeOne(&wait);
     }
-    return reply;
+    if (reply->isFinished() && !wait.abandoned)
+        return reply;
+    reply->abort();
+    return nullptr;
 }
 
 bool ImageProvider::prefetch(const QString &id)
@@ -136,6 +144,8 @@ bool ImageProvider::prefetch(const QString &id)
 void ImageProvider::abandonFetches()
 {
     QMutexLocker locker(&m_lock);
-    for (QEventLoop *const wait : qAsConst(m_waits))
-        wait->quit();
+    for (Wait *const wait : qAsConst(m_waits)) {
+        wait->abandoned = true;
+        wait->loop.quit();
+    }
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "roon.h"
+#include "storeifchanged.h"
 
 #include <QDebug>
 #include <QHostAddress>
@@ -26,6 +27,12 @@ void Roon::setCoreDetected(bool detected)
     // Deliberate: no test for equality, see the header.
     m_coreDetected = detected;
     emit coreDetectionChanged();
+}
+
+void Roon::setServerUrl(const QString &url)
+{
+    if (storeIfChanged(m_serverUrl, url))
+        emit m_serverUrlNotifier.changed();
 }
 
 QString Roon::ipAddress() const

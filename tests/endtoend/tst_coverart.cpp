@@ -56,6 +56,10 @@ private slots:
     void garbageIsLeftBehindWithItsTrack();
     void aLateCoverDoesNotReplaceTheWantedOne();
     void aHangingServiceDoesNotKeepTheNextCoverAway();
+    void aLateAddressBringsTheCover_data();
+    void aLateAddressBringsTheCover();
+    void aCoreThatMovesIsAskedAtItsNewAddress_data();
+    void aCoreThatMovesIsAskedAtItsNewAddress();
     void messagesAndTouchesAreServedDuringTheWait();
     void skippingThroughAnAlbumEndsOnTheLastCover();
     void thePageCanBeLeftDuringAFetch_data();
@@ -210,6 +214,52 @@ void CoverArtTest::aHangingServiceDoesNotKeepTheNextCoverAway()
     QTRY_VERIFY_WITH_TIMEOUT(showsLogo(), PatienceMs);
     play("green");
     QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::green), PatienceMs);
+}
+
+void CoverArtTest::aLateAddressBringsTheCover_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::newRow("none yet") << QByteArray();
+    QTest::newRow("a dead one") << QByteArray("127.0.0.1:1");
+}
+
+void CoverArtTest::aLateAddressBringsTheCover()
+{
+    QFETCH(QByteArray, before);
+    m_appliance->images.setBehaviour("red", picture(Qt::red));
+    m_appliance->publishCore("serverUrl", before);
+    play("red");
+    QVERIFY(m_appliance->program.waitForLine(Failed));
+    QTRY_VERIFY_WITH_TIMEOUT(showsLogo(), PatienceMs);
+    m_appliance->publishCore("serverUrl", m_appliance->images.address());
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::red), PatienceMs);
+    QCOMPARE(m_appliance->images.requestsFor("red"), 1);
+}
+
+void CoverArtTest::aCoreThatMovesIsAskedAtItsNewAddress_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::newRow("while the old one hangs") << int(Behaviour::Hang);
+    QTest::newRow("with its cover on view") << int(Behaviour::Picture);
+}
+
+void CoverArtTest::aCoreThatMovesIsAskedAtItsNewAddress()
+{
+    QFETCH(int, kind);
+    ImageServer other;
+    other.setBehaviour("cover", picture(Qt::green));
+    Behaviour old = trouble(Behaviour::Kind(kind));
+    old.colour = Qt::red;
+    m_appliance->images.setBehaviour("cover", old);
+    play("cover");
+    if (kind == Behaviour::Picture)
+        QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::red), PatienceMs);
+    else
+        QTRY_COMPARE_WITH_TIMEOUT(m_appliance->images.requestsFor("cover"), 1, PatienceMs);
+    m_appliance->publishCore("serverUrl", other.address());
+    QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::green), PatienceMs);
+    QCOMPARE(m_appliance->images.requestsFor("cover"), 1);
+    QCOMPARE(other.requestsFor("cover"), 1);
 }
 
 void CoverArtTest::messagesAndTouchesAreServedDuringTheWait()

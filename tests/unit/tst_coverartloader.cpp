@@ -92,6 +92,28 @@ template <typename Condition, typename Action> void when(Condition condition, Ac
     poll->start(1);
 }
 
+/** What a picture item does with a loader's source: loads it whenever its address changes. */
+class PictureItem : public QObject {
+public:
+    PictureItem(CoverArtLoader *loader, ImageProvider *provider)
+    {
+        connect(loader, &CoverArtLoader::sourceChanged, this, [this, loader, provider] {
+            if (loader->source() == m_source)
+                return;
+            m_source = loader->source();
+            const QString id = m_source.toString(QUrl::RemoveScheme | QUrl::RemoveAuthority).mid(1);
+            shown = m_source.isEmpty() ? QImage() : provider->requestImage(id, nullptr, QSize());
+        });
+    }
+
+    QColor colour() const { return shown.isNull() ? QColor() : shown.pixelColor(0, 0); }
+
+    QImage shown;
+
+private:
+    QUrl m_source;
+};
+
 /** The sources that a loader has offered, in order. */
 class Offers : public QObject {
 public:
@@ -133,6 +155,13 @@ private slots:
     void keyThatFailedIsFetchedAgain();
     void bodyThatIsNoPictureIsOffered();
     void serverThatMovesDuringTheFetchIsAskedAgain();
+    void addressThatComesLateIsUsedAtOnce_data();
+    void addressThatComesLateIsUsedAtOnce();
+    void coreThatMovesEndsTheWaitForItsOldAddress();
+    void coverOnViewIsFetchedAgainWhereTheCoreIsNow();
+    void sameAddressAgainFetchesNothing();
+    void addressWithoutAWantedCoverFetchesNothing();
+    void everyLoaderHearsOfTheMove();
     void reservedIdDuringAFetchIsOfferedAfterIt();
     void wishThatReturnsDuringItsFetchIsFetchedOnce();
     void destroyedLoaderAbandonsItsFetch();
@@ -276,16 +305,9 @@ void TestCoverArtLoader::withoutAnEngineTheWishIsOffered()
 void TestCoverArtLoader::offersAPictureThatCanBeHadAtOnce()
 {
     m_server->setBehaviour(QStringLiteral("A b/c"), png(Qt::red));
-    QImage shown;
-    connect(m_loader, &CoverArtLoader::sourceChanged, this, [&] {
-        // What a picture item does with an address.
-        shown = m_provider->requestImage(
-            m_loader->source().toString(QUrl::RemoveScheme | QUrl::RemoveAuthority).mid(1), nullptr,
-            QSize());
-    });
+    const PictureItem item(m_loader, m_provider);
     m_loader->setWanted(urlOf(QStringLiteral("A b/c")));
-    QTRY_VERIFY(!shown.isNull());
-    QCOMPARE(shown.pixelColor(0, 0), QColor(Qt::red));
+    QTRY_COMPARE(item.colour(), QColor(Qt::red));
     QCOMPARE(requestsFor("A b/c"), 1);
 }
 
@@ -430,6 +452,105 @@ void TestCoverArtLoader::serverThatMovesDuringTheFetchIsAskedAgain()
     QCOMPARE(other.requestsFor(QStringLiteral("A")), 1);
     QCOMPARE(m_provider->requestImage(QStringLiteral("A"), nullptr, QSize()).pixelColor(0, 0),
         QColor(Qt::blue));
+}
+
+void TestCoverArtLoader::addressThatComesLateIsUsedAtOnce_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::newRow("none") << QString();
+    QTest::newRow("dead") << QStringLiteral("127.0.0.1:1");
+    QTest::newRow("no address") << QStringLiteral("not an address");
+}
+
+void TestCoverArtLoader::addressThatComesLateIsUsedAtOnce()
+{
+    QFETCH(QString, before);
+    m_server->setBehaviour(QStringLiteral("A"), png(Qt::red));
+    Roon::instance()->setServerUrl(before);
+    m_loader->setWanted(urlOf(QStringLiteral("A")));
+    QTRY_COMPARE(m_loader->source(), logo());
+    QTRY_VERIFY(!m_loader->isWaiting());
+    Roon::instance()->setServerUrl(QString::fromLatin1(m_server->address()));
+    QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
+    QCOMPARE(requestsFor("A"), 1);
+}
+
+void TestCoverArtLoader::coreThatMovesEndsTheWaitForItsOldAddress()
+{
+    ImageServer other;
+    m_server->setBehaviour(QStringLiteral("A"), kind(ImageServer::Behaviour::Hang));
+    other.setBehaviour(QStringLiteral("A"), png(Qt::blue));
+    const Offers offers(m_loader);
+    m_loader->setWanted(urlOf(QStringLiteral("A")));
+    whenAskedFor(
+        "A", [&other] { Roon::instance()->setServerUrl(QString::fromLatin1(other.address())); });
+    QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
+    // Not even the second that a fetch is given has passed: the logo was never needed.
+    QCOMPARE(offers.list, QList<QUrl>({ urlOf(QStringLiteral("A")) }));
+    QCOMPARE(requestsFor("A"), 1);
+    QCOMPARE(other.requestsFor(QStringLiteral("A")), 1);
+}
+
+void TestCoverArtLoader::coverOnViewIsFetchedAgainWhereTheCoreIsNow()
+{
+    ImageServer other;
+    m_server->setBehaviour(QStringLiteral("A"), png(Qt::red));
+    other.setBehaviour(QStringLiteral("A"), png(Qt::blue));
+    const PictureItem item(m_loader, m_provider);
+    m_loader->setWanted(urlOf(QStringLiteral("A")));
+    QTRY_COMPARE(item.colour(), QColor(Qt::red));
+    Roon::instance()->setServerUrl(QString::fromLatin1(other.address()));
+    QTRY_COMPARE(item.colour(), QColor(Qt::blue));
+    QCOMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
+    QCOMPARE(requestsFor("A"), 1);
+    QCOMPARE(other.requestsFor(QStringLiteral("A")), 1);
+}
+
+void TestCoverArtLoader::sameAddressAgainFetchesNothing()
+{
+    ImageServer::Behaviour failing = png(Qt::red);
+    failing.failures = 2; // the request and its retry
+    m_server->setBehaviour(QStringLiteral("A"), failing);
+    m_loader->setWanted(urlOf(QStringLiteral("A")));
+    QTRY_COMPARE(m_loader->source(), logo());
+    Roon::instance()->setServerUrl(QString::fromLatin1(m_server->address()));
+    QCoreApplication::processEvents();
+    QCOMPARE(m_provider->depth, 0); // a fetch would have begun by now
+    QCOMPARE(requestsFor("A"), 2);
+    QCOMPARE(m_loader->source(), logo());
+}
+
+void TestCoverArtLoader::addressWithoutAWantedCoverFetchesNothing()
+{
+    ImageServer other;
+    m_loader->setWanted(logo());
+    QTRY_COMPARE(m_loader->source(), logo());
+    const Offers offers(m_loader);
+    Roon::instance()->setServerUrl(QString::fromLatin1(other.address()));
+    QCoreApplication::processEvents();
+    QCOMPARE(offers.list, QList<QUrl>());
+    QCOMPARE(other.requests().size(), 0);
+    QCOMPARE(m_provider->deepest, 0);
+}
+
+void TestCoverArtLoader::everyLoaderHearsOfTheMove()
+{
+    CoverArtLoader *const second = create();
+    m_server->setBehaviour(QStringLiteral("A"), png(Qt::red));
+    m_server->setBehaviour(QStringLiteral("B"), png(Qt::blue));
+    Roon::instance()->setServerUrl(QString());
+    m_loader->setWanted(urlOf(QStringLiteral("A")));
+    second->setWanted(urlOf(QStringLiteral("B")));
+    CoverArtLoader *const gone = create();
+    gone->setWanted(urlOf(QStringLiteral("C")));
+    QTRY_COMPARE(m_loader->source(), logo());
+    QTRY_COMPARE(second->source(), logo());
+    QTRY_COMPARE(gone->source(), logo());
+    delete gone;
+    Roon::instance()->setServerUrl(QString::fromLatin1(m_server->address()));
+    QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
+    QTRY_COMPARE(second->source(), urlOf(QStringLiteral("B")));
+    QCOMPARE(requestsFor("C"), 0);
 }
 
 void TestCoverArtLoader::reservedIdDuringAFetchIsOfferedAfterIt()

@@ -5,12 +5,14 @@
 #include "roon.h"
 
 #include <QEventLoop>
+#include <QNetworkReply>
 #include <QTcpServer>
 #include <QTest>
 #include <QThread>
 #include <QTimer>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -84,6 +86,30 @@ private:
     const QStringList m_keys;
 };
 
+/** Sees each reply to a network request of this thread before its first event is delivered. */
+class ReplyWatch : public QObject {
+public:
+    explicit ReplyWatch(std::function<void(QNetworkReply *)> seen)
+        : m_seen(std::move(seen))
+    {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *receiver, QEvent *) override
+    {
+        auto *const reply = qobject_cast<QNetworkReply *>(receiver);
+        if (reply && !m_known.contains(reply)) {
+            m_known.append(reply);
+            m_seen(reply);
+        }
+        return false;
+    }
+
+private:
+    const std::function<void(QNetworkReply *)> m_seen;
+    QList<QNetworkReply *> m_known;
+};
+
 } // namespace
 
 class TestImageProvider : public QObject {
@@ -121,6 +147,8 @@ private slots:
     void callsFromSeveralThreadsGetTheirOwnPictures();
     void quitEndsAHangingFetch();
     void abandonedFetchGivesTheLogoAndKeepsNothing();
+    void fetchAbandonedAsItEndsIsNotTriedAgain_data();
+    void fetchAbandonedAsItEndsIsNotTriedAgain();
     void prefetchSaysWhetherThePictureIsThere_data();
     void prefetchSaysWhetherThePictureIsThere();
 
@@ -559,6 +587,43 @@ void TestImageProvider::abandonedFetchGivesTheLogoAndKeepsNothing()
     m_server->setBehaviour(QStringLiteral("key"), png(Qt::red));
     QCOMPARE(colourOf(m_provider->requestImage(QStringLiteral("key"), nullptr, QSize())),
         QColor(Qt::red));
+}
+
+void TestImageProvider::fetchAbandonedAsItEndsIsNotTriedAgain_data()
+{
+    QTest::addColumn<int>("what");
+    QTest::addColumn<bool>("before");
+    for (const bool before : { true, false }) {
+        const char *const when = before ? "before" : "after";
+        QTest::addRow("failure, just %s", when) << int(ImageServer::Behaviour::Trouble) << before;
+        QTest::addRow("success, just %s", when) << int(ImageServer::Behaviour::Picture) << before;
+    }
+}
+
+void TestImageProvider::fetchAbandonedAsItEndsIsNotTriedAgain()
+{
+    QFETCH(int, what);
+    QFETCH(bool, before);
+    m_server->setBehaviour(
+        QStringLiteral("key"), kind(static_cast<ImageServer::Behaviour::Kind>(what)));
+    LogCapture log;
+    int abandoned = 0;
+    const ReplyWatch watch([&](QNetworkReply *reply) {
+        const auto abandon = [&] {
+            m_provider->abandonFetches();
+            ++abandoned;
+        };
+        // The last that a reply tells before it has finished.
+        if (before)
+            connect(reply, &QNetworkReply::readChannelFinished, this, abandon);
+        else
+            connect(reply, &QNetworkReply::finished, this, abandon);
+    });
+    QCOMPARE(m_provider->requestImage(QStringLiteral("key"), nullptr, QSize()), m_logo);
+    QCOMPARE(abandoned, 1);
+    QCOMPARE(log.take(), QStringList(calledLine(*m_server, QStringLiteral("key"))));
+    QCoreApplication::processEvents();
+    QCOMPARE(m_server->requestsFor(QStringLiteral("key")), 1);
 }
 
 void TestImageProvider::prefetchSaysWhetherThePictureIsThere_data()

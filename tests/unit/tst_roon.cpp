@@ -25,6 +25,7 @@ private slots:
     void detectionNotifiesOnEveryWrite();
     void textsAreStoredSilently_data();
     void textsAreStoredSilently();
+    void aNewServerAddressIsToldOutsideTheMetaObject();
     void hostNameIsTheMachines();
     void addressIsReadFromTheMachine();
     void addressOfTheFirstUsableInterface_data();
@@ -127,6 +128,21 @@ void TestRoon::textsAreStoredSilently()
     }
     QCOMPARE(changed.count(), 0);
     QCOMPARE(m_log->take(), QStringList());
+}
+
+void TestRoon::aNewServerAddressIsToldOutsideTheMetaObject()
+{
+    Roon roon;
+    QStringList told;
+    connect(roon.serverUrlNotifier(), &ChangeNotifier::changed, this,
+        [&] { told.append(roon.serverUrl()); });
+    const QString first = QStringLiteral("10.0.0.1:9330");
+    const QString second = QStringLiteral("10.0.0.2:9330");
+    for (const QString &address : { QString(), first, first, second, QString() })
+        roon.setServerUrl(address);
+    roon.setProperty("serverUrl", first);
+    roon.setServerName(QStringLiteral("Core"));
+    QCOMPARE(told, QStringList({ first, second, QString(), first }));
 }
 
 void TestRoon::hostNameIsTheMachines()
