@@ -154,7 +154,7 @@ public:
 
     /** The smallest volume change. */
     float volumeStep() const { return m_volumeStep; }
-    /** Notifies on every call; a step below 1 makes the screen show one decimal. */
+    /** Notifies on every call; a step between 0 and 1 makes the screen show one decimal. */
     void setVolumeStep(float step);
 
     // Deliberate: a flag inside, a number outside; the scene sees 0 or 1.
@@ -222,6 +222,8 @@ public slots:
     void mqttConnected();
 
 signals:
+    // Deliberate: timeChanged(), playPausePressed(), prevPressed(), nextPressed() and
+    // zoneMenuListChanged() are there for the scene and are never emitted here.
     void roonStateChanged();
     void songChanged();
     void artistChanged();
@@ -259,7 +261,6 @@ signals:
 private:
     QString wantedZoneId() const;
     QString shortened(const QString &text, int limit) const;
-    QString imageAddress(const QString &size) const;
     void copyVolume(const RoonZone &zone);
     void announceWantedZone() const;
     void sendCommand(const QString &id, const QString &command,

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mqtt.h"
+#include "brokertopics.h"
 #include "navigationcontroller.h"
 #include "player.h"
 #include "roon.h"
@@ -26,6 +27,7 @@ namespace {
 enum Level {
     ServiceLevel = 1,
     KeyLevel = 3, // of appliance state and settings
+    ConnectedLevel = 3,
     RemoteControlLevel = 4,
     SpotifyKeyLevel = 5,
     RoonLevel = 5,
@@ -157,13 +159,13 @@ void Mqtt::connectionTimeout()
 void Mqtt::connectedToBroker()
 {
     qInfo() << "Mqtt::connectedToBroker()";
-    subscribe(QStringLiteral("Velunor/Settings/v2/#"));
-    subscribe(QStringLiteral("Velunor/State/v1/#"));
-    subscribe(QStringLiteral("Velunor/Controller/remote_control/v4/roon/Roon/#"));
-    subscribe(QStringLiteral("Velunor/Controller/remote_control/v4/roon/Zones/#"));
-    subscribe(QStringLiteral("Velunor/Controller/remote_control/v4/connected"));
-    subscribe(QStringLiteral("Velunor/Controller/remote_control/v4/Control/command"));
-    subscribe(QStringLiteral("Velunor/Controller/remote_control/v4/spotify/#"));
+    subscribe(BrokerTopics::settings());
+    subscribe(BrokerTopics::state());
+    subscribe(BrokerTopics::core());
+    subscribe(BrokerTopics::zones());
+    subscribe(BrokerTopics::remoteConnected());
+    subscribe(BrokerTopics::command());
+    subscribe(BrokerTopics::spotify());
     m_connected = true;
     emit connected();
 }
@@ -197,7 +199,7 @@ void Mqtt::processMessageApi(const QByteArray &payload, const QMqttTopicName &to
         updateVelunorState(levels, payload);
     } else if (levels.value(ServiceLevel) == QLatin1String("Settings")) {
         updateSettings(levels, payload);
-    } else if (levels.value(KeyLevel) == QLatin1String("connected")) {
+    } else if (levels.value(ConnectedLevel) == QLatin1String("connected")) {
         // Deliberate: the topic that is subscribed to has its "connected" one level deeper and does
         // not get here.
         processRemoteConnected(payload);

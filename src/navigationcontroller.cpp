@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "navigationcontroller.h"
+#include "brokertopics.h"
 #include "mqtt.h"
 #include "player.h"
 #include "roon.h"
@@ -155,7 +156,7 @@ void NavigationController::setIdle(bool idle)
     if (m_displayIdle == idle)
         return;
     m_displayIdle = idle;
-    Mqtt::instance()->publish(QStringLiteral("Velunor/touch_ui/v3/Display/idle"),
+    Mqtt::instance()->publish(BrokerTopics::displayIdle(),
         idle ? QByteArrayLiteral("true") : QByteArrayLiteral("false"), false, 1);
 }
 

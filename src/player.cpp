@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "player.h"
 #include "apiclient.h"
+#include "brokertopics.h"
+#include "coveraddress.h"
 #include "mqtt.h"
 #include "navigationcontroller.h"
-#include "roon.h"
 #include "roonzones.h"
 #include "settings.h"
 #include "storeifchanged.h"
@@ -144,22 +145,16 @@ void Player::copyVolume(const RoonZone &zone)
 
 QString Player::imageUrl() const
 {
-    const QString url = imageAddress(QStringLiteral("width=402&height=402"));
+    const QString url = coverAddress(m_imageKey, ShownCoverSize);
     qDebug().noquote().nospace() << "Player::imageUrl() called: " << url;
     return url;
 }
 
 QString Player::bigImageUrl() const
 {
-    const QString url = imageAddress(QStringLiteral("width=800&height=480"));
+    const QString url = coverAddress(m_imageKey, FullScreenCoverSize);
     qDebug().noquote().nospace() << "Player::bigImageUrl() called: " << url;
     return url;
-}
-
-QString Player::imageAddress(const QString &size) const
-{
-    return QStringLiteral("http://") + Roon::instance()->serverUrl() + QStringLiteral("/image/")
-        + m_imageKey + QStringLiteral("?scale=fit&") + size + QStringLiteral("&format=image/jpeg");
 }
 
 QString Player::song() const
@@ -519,8 +514,7 @@ QString Player::wantedZoneId() const
 
 void Player::announceWantedZone() const
 {
-    Mqtt::instance()->publish(
-        QStringLiteral("Velunor/touch_ui/v3/Display/zone"), m_wantedZone.toLocal8Bit(), true, 1);
+    Mqtt::instance()->publish(BrokerTopics::displayZone(), m_wantedZone.toLocal8Bit(), true, 1);
 }
 
 void Player::sendRelativeVolume(const QString &id, float change) const
@@ -537,7 +531,5 @@ void Player::sendCommand(
     if (!arguments.isEmpty())
         payload += arguments + QLatin1Char(',');
     payload += QStringLiteral("\"zone_id\":\"") + id + QStringLiteral("\"}");
-    Mqtt::instance()->publish(
-        QStringLiteral("Velunor/Controller/remote_control/v4/Control/command"),
-        payload.toLocal8Bit(), false, 1, cache);
+    Mqtt::instance()->publish(BrokerTopics::command(), payload.toLocal8Bit(), false, 1, cache);
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "screencontroller.h"
+#include "brokertopics.h"
 #include "mqtt.h"
 #include "settings.h"
 #include "storeifchanged.h"
@@ -169,8 +170,8 @@ void ScreenController::exec_brightness(uint value)
 {
     qInfo().noquote().nospace() << "ScreenController::exec_brightness() " << value;
     m_brightnessFile.write(value);
-    Mqtt::instance()->publish(QStringLiteral("Velunor/touch_ui/v3/Display/brightness"),
-        QByteArray::number(value), true, 1);
+    Mqtt::instance()->publish(
+        BrokerTopics::displayBrightness(), QByteArray::number(value), true, 1);
 }
 
 void ScreenController::exec_backlight_on()

@@ -92,6 +92,7 @@ const QList<Conversion> Conversions {
     { "two zeros", "00", true, 0, 0.0f },
     { "number", "42", true, 42, 42.0f },
     { "negative", "-12.5", true, 0, -12.5f },
+    { "negative whole", "-1", true, 0, -1.0f },
     { "fraction", "0.5", true, 0, 0.5f },
     { "exponent", "1e3", true, 0, 1000.0f },
     { "comma", "1,5", true, 0, 0.0f },
