@@ -2,8 +2,10 @@
 #include "imageprovider.h"
 #include "coveraddress.h"
 
+#include <QBuffer>
 #include <QDebug>
 #include <QEventLoop>
+#include <QImageReader>
 #include <QMutexLocker>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -20,6 +22,29 @@ QString logoId()
 QString noImageId()
 {
     return QStringLiteral("NO_IMAGE");
+}
+
+// What a display can be asked to hold.  A cover has a hundredth of either.
+constexpr qint64 MaxBodyBytes = 32 * 1024 * 1024;
+constexpr int MaxSide = 8192; // pixels
+
+bool isTooLarge(const QSize &size)
+{
+    return size.width() > MaxSide || size.height() > MaxSide;
+}
+
+/** The picture in @p body, whose format is found in the data; null if there is none, or it is
+ * beyond the limits. */
+QImage decoded(QByteArray body)
+{
+    if (body.size() > MaxBodyBytes)
+        return {};
+    QBuffer buffer(&body);
+    QImageReader reader(&buffer);
+    if (isTooLarge(reader.size())) // known before anything is decoded, in most formats
+        return {};
+    const QImage image = reader.read();
+    return isTooLarge(image.size()) ? QImage() : image;
 }
 
 } // namespace
@@ -98,7 +123,8 @@ QImage ImageProvider::fetchedImage(const QUrl &url, QSize *size)
         return m_logo;
     }
 
-    const QImage image = QImage::fromData(reply->readAll());
+    const QImage image = decoded(reply->readAll());
+    reply->abort(); // what is too long has not ended yet
     if (size)
         *size = image.size();
     {
@@ -112,13 +138,20 @@ QImage ImageProvider::fetchedImage(const QUrl &url, QSize *size)
 
 /**
  * Asks for @p url and waits. Null if the wait was ended from outside, abandoned or because the
- * program quits, even where the reply came in that very moment.
+ * program quits, even where the reply came in that very moment.  A reply that is longer than any
+ * picture may be is given as far as it has come.
  */
 QNetworkReply *ImageProvider::get(QNetworkAccessManager &manager, const QUrl &url)
 {
     Wait wait;
     QNetworkReply *const reply = manager.get(QNetworkRequest(url));
     QObject::connect(reply, &QNetworkReply::finished, &wait.loop, &QEventLoop::quit);
+    bool isTooLong = false;
+    QObject::connect(reply, &QNetworkReply::readyRead, &wait.loop, [&] {
+        isTooLong = reply->bytesAvailable() > MaxBodyBytes;
+        if (isTooLong)
+            wait.loop.quit();
+    });
     {
         QMutexLocker locker(&m_lock);
         m_waits.append(&wait);
@@ -128,7 +161,7 @@ QNetworkReply *ImageProvider::get(QNetworkAccessManager &manager, const QUrl &ur
         QMutexLocker locker(&m_lock);
         m_waits.removeOne(&wait);
     }
-    if (reply->isFinished() && !wait.abandoned)
+    if ((reply->isFinished() || isTooLong) && !wait.abandoned)
         return reply;
     reply->abort();
     return nullptr;

@@ -140,6 +140,9 @@ private slots:
     void droppedConnectionGivesTheLogo();
     void refusedConnectionGivesTheLogo();
     void bodyThatIsNoPictureIsKeptLikeAnyOther();
+    void pictureBeyondTheLimitIsNoPicture_data();
+    void pictureBeyondTheLimitIsNoPicture();
+    void bodyWithoutAnEndIsNoPicture();
     void addressThatIsNoUrlGivesTheLogo_data();
     void addressThatIsNoUrlGivesTheLogo();
     void otherEventsGoOnDuringTheFetch();
@@ -449,6 +452,57 @@ void TestImageProvider::bodyThatIsNoPictureIsKeptLikeAnyOther()
     QCOMPARE(m_server->requests().size(), 1);
     const QString called = calledLine(*m_server, QStringLiteral("key"));
     QCOMPARE(log.take(), QStringList({ called, FetchedLine, called, CachedLine }));
+}
+
+void TestImageProvider::pictureBeyondTheLimitIsNoPicture_data()
+{
+    QTest::addColumn<QSize>("served");
+    QTest::addColumn<QByteArray>("format");
+    QTest::addColumn<QSize>("given");
+    for (const char *const format : { "PNG", "JPEG" }) {
+        QTest::addRow("%s, as wide as may be", format)
+            << QSize(8192, 1) << QByteArray(format) << QSize(8192, 1);
+        QTest::addRow("%s, as high as may be", format)
+            << QSize(1, 8192) << QByteArray(format) << QSize(1, 8192);
+        QTest::addRow("%s, too wide", format)
+            << QSize(8193, 1) << QByteArray(format) << QSize(0, 0);
+        QTest::addRow("%s, too high", format)
+            << QSize(1, 8193) << QByteArray(format) << QSize(0, 0);
+    }
+    // Three bytes a pixel: the last line is what passes 32 MB.
+    QTest::newRow("BMP, in 32 MB") << QSize(4096, 2730) << QByteArray("BMP") << QSize(4096, 2730);
+    QTest::newRow("BMP, in more") << QSize(4096, 2731) << QByteArray("BMP") << QSize(0, 0);
+}
+
+void TestImageProvider::pictureBeyondTheLimitIsNoPicture()
+{
+    QFETCH(QSize, served);
+    QFETCH(QByteArray, format);
+    QFETCH(QSize, given);
+    ImageServer::Behaviour behaviour;
+    behaviour.size = served;
+    behaviour.format = format.constData();
+    m_server->setBehaviour(QStringLiteral("key"), behaviour);
+    QSize size = Untouched;
+    LogCapture log;
+    QCOMPARE(m_provider->requestImage(QStringLiteral("key"), &size, QSize()).size(), given);
+    QCOMPARE(size, given);
+    QCOMPARE(m_provider->requestImage(QStringLiteral("key"), nullptr, QSize()).size(), given);
+    QCOMPARE(m_server->requests().size(), 1);
+    const QString called = calledLine(*m_server, QStringLiteral("key"));
+    QCOMPARE(log.take(), QStringList({ called, FetchedLine, called, CachedLine }));
+}
+
+void TestImageProvider::bodyWithoutAnEndIsNoPicture()
+{
+    m_server->setBehaviour(QStringLiteral("key"), kind(ImageServer::Behaviour::Endless));
+    QSize size = Untouched;
+    LogCapture log;
+    QVERIFY(m_provider->requestImage(QStringLiteral("key"), &size, QSize()).isNull());
+    QCOMPARE(size, QSize(0, 0));
+    QCOMPARE(
+        log.take(), QStringList({ calledLine(*m_server, QStringLiteral("key")), FetchedLine }));
+    QCOMPARE(m_server->requests().size(), 1);
 }
 
 void TestImageProvider::addressThatIsNoUrlGivesTheLogo_data()

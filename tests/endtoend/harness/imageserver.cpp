@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int PictureSide = 402; // pixels, what the service is asked for
-
 QString keyOf(const HttpServer::Request &request)
 {
     const QString path = QUrl::fromEncoded(request.target).path();
@@ -18,13 +16,21 @@ QString keyOf(const HttpServer::Request &request)
     return path.startsWith(prefix) ? path.mid(prefix.size()) : QString();
 }
 
-QByteArray picture(const QColor &colour, const char *format)
+QByteArray picture(const ImageServer::Behaviour &behaviour)
 {
-    QImage image(PictureSide, PictureSide, QImage::Format_RGB32);
-    image.fill(colour);
+    QImage image(behaviour.size, QImage::Format_RGB32);
+    image.fill(behaviour.colour);
     QBuffer buffer;
-    image.save(&buffer, format);
+    image.save(&buffer, behaviour.format);
     return buffer.data();
+}
+
+/** Sends more, as long as the client takes it. */
+void flood(QTcpSocket *socket)
+{
+    static const QByteArray more(1 << 20, 'x');
+    if (socket->bytesToWrite() < more.size())
+        socket->write(more);
 }
 
 } // namespace
@@ -71,7 +77,7 @@ void ImageServer::behave(const Behaviour &behaviour, QTcpSocket *socket)
     switch (behaviour.kind) {
     case Behaviour::Picture:
         respond(socket, 200, QByteArray("image/") + QByteArray(behaviour.format).toLower(),
-            picture(behaviour.colour, behaviour.format));
+            picture(behaviour));
         break;
     case Behaviour::Hang:
         break;
@@ -80,6 +86,11 @@ void ImageServer::behave(const Behaviour &behaviour, QTcpSocket *socket)
         break;
     case Behaviour::Trouble:
         respond(socket, 500, "text/plain", "trouble");
+        break;
+    case Behaviour::Endless:
+        socket->write("HTTP/1.1 200 OK\r\nContent-Type: image/jpeg\r\n\r\n");
+        flood(socket);
+        connect(socket, &QTcpSocket::bytesWritten, this, [socket] { flood(socket); });
         break;
     case Behaviour::Garbage:
         respond(socket, 200, "image/jpeg", "this is no picture");

@@ -5,6 +5,7 @@
 
 #include <QColor>
 #include <QMap>
+#include <QSize>
 
 /**
  * The music server's image service on a free loopback port, with a behaviour for each image key.  A
@@ -21,13 +22,15 @@ public:
             Hang,    ///< no answer, the connection stays open
             Drop,    ///< the connection is closed without an answer
             Trouble, ///< status 500
-            Garbage  ///< status 200, but the body is no picture
+            Garbage, ///< status 200, but the body is no picture
+            Endless  ///< status 200, and a body that never ends
         };
         Kind kind = Picture;
         QColor colour = Qt::white;
         const char *format = "JPEG"; ///< or "PNG"
         int delayMs = 0;             ///< before the answer, or before the connection is dropped
-        int failures = 0; ///< so many requests get status 500 before the behaviour begins
+        int failures = 0;          ///< so many requests get status 500 before the behaviour begins
+        QSize size = { 402, 402 }; ///< pixels; by default what the service is asked for
     };
 
     /** Listens at once.  Ends the test program when that is impossible. */
