@@ -15,7 +15,11 @@ T.Slider {
     /** Ends of the range.  Ends that are no numbers, or lie the wrong way round, leave a range of one value. */
     property real lowest
     property real highest
+    /** What lies between two values; 0 where every value counts. */
     property real step
+
+    /** A finger has moved the handle, perhaps by so little that the value is what it was. */
+    signal placed(real value)
 
     function number(value, otherwise) {
         return isFinite(value) ? value : otherwise;
@@ -28,9 +32,16 @@ T.Slider {
         value = number(source, from);
     }
 
+    /** The value of the range that can be chosen next to this one: that of a step, or an end, whatever the steps. */
+    function choice(wanted) {
+        if (!(step > 0))
+            return wanted;
+        const nearest = from + Math.round((wanted - from) / step) * step;
+        return nearest > to || to - wanted < Math.abs(wanted - nearest) ? to : nearest;
+    }
+
     from: number(lowest, 0)
     to: Math.max(from, number(highest, from))
-    stepSize: Math.max(0, number(step, 0))
     implicitWidth: 200
     implicitHeight: 43
     onSourceChanged: follow()
@@ -39,6 +50,13 @@ T.Slider {
     onPressedChanged: {
         if (!pressed)
             echoTimer.restart();
+    }
+
+    // The steps are counted here and not left to the slider's own `stepSize`, whose last step may lie beyond the end, or
+    // short of it.
+    onMoved: {
+        value = choice(value);
+        placed(value);
     }
 
     Component.onCompleted: follow()

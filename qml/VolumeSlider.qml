@@ -59,12 +59,12 @@ PanelPopup {
         width: 400
         source: root.volume
         // Deliberate: up to the soft limit, not to the maximum; a finger on the slider cannot pass what the user allowed.
-        lowest: root.limitMinVolume
-        highest: root.limitSoftVolume
+        lowest: Format.tenthNotBelow(root.limitMinVolume)
+        highest: Format.tenthNotAbove(root.limitSoftVolume)
         step: root.volumeStep
-        onMoved: {
+        onPlaced: {
             root.stopCloseTimer();
-            root.volumeMoved(valueAt(position));
+            root.volumeMoved(Format.tenth(value));
         }
         onPressedChanged: {
             if (pressed)

@@ -6,6 +6,25 @@ function volume(value, decimals) {
     return isFinite(value) ? value.toFixed(decimals) : "";
 }
 
+// A volume command carries one decimal.  Volumes are single floats: 80.1 arrives as 80.09999847, and is meant as 80.1.
+
+/** The number of one decimal that is nearest to `value`. */
+function tenth(value) {
+    return Math.round(10 * value) / 10 + 0; // the 0 makes -0 a 0
+}
+
+/** The highest number of one decimal that does not pass `limit`. */
+function tenthNotAbove(limit) {
+    const nearest = tenth(limit);
+    return Math.fround(nearest) > Math.fround(limit) ? tenth(nearest - 0.1) : nearest;
+}
+
+/** The lowest number of one decimal that is not below `limit`. */
+function tenthNotBelow(limit) {
+    const nearest = tenth(limit);
+    return Math.fround(nearest) < Math.fround(limit) ? tenth(nearest + 0.1) : nearest;
+}
+
 /** `text` as it has to be quoted in a line of rich text, so that markup in it shows as it is. */
 function escaped(text) {
     return text.replace(/&/g, "&amp;").replace(/</g, "&lt;").replace(/>/g, "&gt;").replace(/"/g, "&quot;");

@@ -43,6 +43,8 @@ private slots:
     void hiddenIconsAnswerTouches();
     void volumeDialogSendsSteps();
     void volumeSliderSendsAValueOnce();
+    void volumeSliderKeepsToItsRange_data();
+    void volumeSliderKeepsToItsRange();
     void volumeDialogClosesBesideATouch();
     void aZoneIsChosenFromTheList();
     void anUpdateIsAskedForAtTheWebService();
@@ -54,6 +56,12 @@ private:
     Probe &probe() { return m_appliance.program.probe(); }
     /** Waits until this command, and nothing else, has come to the broker. */
     bool onlyCommandIs(const QByteArray &command);
+    bool openVolumeDialog();
+    bool closeVolumeDialog();
+    /** The middle of the volume dialog's handle when it is at this part of its way. */
+    QPointF sliderPlace(double part);
+    /** A finger goes there in small steps. */
+    bool slide(const QPointF &from, const QPointF &to);
 
     Appliance m_appliance;
     int m_firstLine = 0;
@@ -284,8 +292,7 @@ void PlayingTest::volumeDialogSendsSteps()
 {
     QVERIFY(zoneIs({ { "volume/step", "0.5" }, { "volume/value", "40.5" } }));
     QCOMPARE(probe().property("volumeText", "text"), QJsonValue("40.5"));
-    QVERIFY(probe().tap("volumeBox"));
-    QTRY_VERIFY_WITH_TIMEOUT(probe().shows("volumeSlider"), PatienceMs);
+    QVERIFY(openVolumeDialog());
     QCOMPARE(probe().property("currentText", "text"), QJsonValue("40.5"));
     QCOMPARE(probe().property("minimumText", "text"), QJsonValue("0.0"));
     QCOMPARE(probe().property("maximumText", "text"), QJsonValue("100.0"));
@@ -297,14 +304,12 @@ void PlayingTest::volumeDialogSendsSteps()
             { R"({"command":"set_volume","how":"relative","value":0.5,"zone_id":"z1"})",
                 R"({"command":"set_volume","how":"relative","value":-0.5,"zone_id":"z1"})" }),
         PatienceMs);
-    QVERIFY(probe().tap(QPointF(5, 240)));
-    QTRY_VERIFY_WITH_TIMEOUT(!probe().shows("volumeSlider"), PatienceMs);
+    QVERIFY(closeVolumeDialog());
 }
 
 void PlayingTest::volumeSliderSendsAValueOnce()
 {
-    QVERIFY(probe().tap("volumeBox"));
-    QTRY_VERIFY_WITH_TIMEOUT(probe().shows("volumeSlider"), PatienceMs);
+    QVERIFY(openVolumeDialog());
     const QRectF slider = probe().area("volumeSlider");
     const QPointF middle = slider.center();
     // The handle's middle is at the middle of the range: 0 to the soft limit of 80.
@@ -329,14 +334,60 @@ void PlayingTest::volumeSliderSendsAValueOnce()
     QVERIFY(probe().tap(middle + QPointF(80, 0)));
     QVERIFY(m_appliance.handled());
     QCOMPARE(m_appliance.commands(), QList<QByteArray>());
-    QVERIFY(probe().tap(QPointF(5, 240)));
-    QTRY_VERIFY_WITH_TIMEOUT(!probe().shows("volumeSlider"), PatienceMs);
+    QVERIFY(closeVolumeDialog());
+}
+
+void PlayingTest::volumeSliderKeepsToItsRange_data()
+{
+    QTest::addColumn<QByteArray>("lowest");
+    QTest::addColumn<QByteArray>("softLimit");
+    QTest::addColumn<QByteArray>("step");
+    QTest::addColumn<QByteArray>("first"); // that leaves at the left end
+    QTest::addColumn<QByteArray>("last");
+    const auto row = [](const char *name, const QByteArray &lowest, const QByteArray &softLimit,
+                         const QByteArray &step, const QByteArray &first, const QByteArray &last) {
+        QTest::newRow(name) << lowest << softLimit << step << first << last;
+    };
+    row("steps that end beyond", "0", "75", "2", "0.0", "75.0");
+    row("steps that end further beyond", "0", "98", "3", "0.0", "98.0");
+    row("decibels", "-80", "-10.5", "1", "-80.0", "-10.5");
+    row("a step beyond the range", "0", "50", "100", "0.0", "50.0");
+    row("steps that end before", "0", "97", "3", "0.0", "97.0");
+    row("tenths", "-20.1", "70.1", "0.1", "-20.1", "70.1");
+    row("more decimals than a command has", "-20.27", "10.27", "0.5", "-20.2", "10.2");
+    row("no step", "0", "60.5", "0", "0.0", "60.5");
+}
+
+void PlayingTest::volumeSliderKeepsToItsRange()
+{
+    QFETCH(QByteArray, lowest);
+    QFETCH(QByteArray, softLimit);
+    QFETCH(QByteArray, step);
+    QFETCH(QByteArray, first);
+    QFETCH(QByteArray, last);
+    QVERIFY(zoneIs({ { "volume/hard_limit_min", lowest }, { "volume/soft_limit", softLimit },
+        { "volume/step", step }, { "volume/value", lowest } }));
+    QVERIFY(openVolumeDialog());
+    QVERIFY(slide(sliderPlace(0), sliderPlace(1)));
+    const QByteArray command
+        = R"({"command":"set_volume","how":"absolute","value":%,"zone_id":"z1"})";
+    QVERIFY(m_appliance.services.waitFor(CommandTopic, QByteArray(command).replace("%", last)));
+    QVERIFY(m_appliance.handled());
+    QVERIFY(slide(sliderPlace(1), sliderPlace(0)));
+    QVERIFY(m_appliance.services.waitFor(CommandTopic, QByteArray(command).replace("%", first)));
+    QVERIFY(m_appliance.handled());
+    const QRegularExpression form(R"("value":(-?[0-9]+\.[0-9]),)");
+    for (const QByteArray &sent : m_appliance.commands()) {
+        const double value = form.match(sent).captured(1).toDouble();
+        QVERIFY2(value >= lowest.toDouble() && value <= softLimit.toDouble(), sent);
+    }
+    QCOMPARE(m_appliance.commands().last(), QByteArray(command).replace("%", first));
+    QVERIFY(closeVolumeDialog());
 }
 
 void PlayingTest::volumeDialogClosesBesideATouch()
 {
-    QVERIFY(probe().tap("volumeBox"));
-    QTRY_VERIFY_WITH_TIMEOUT(probe().shows("volumeSlider"), PatienceMs);
+    QVERIFY(openVolumeDialog());
     QVERIFY(probe().tap("cover")); // lies under the dialog's rim: the touch only closes it
     QTRY_VERIFY_WITH_TIMEOUT(!probe().shows("volumeSlider"), PatienceMs);
     QVERIFY(m_appliance.handled());
@@ -423,6 +474,34 @@ bool PlayingTest::onlyCommandIs(const QByteArray &command)
 {
     return m_appliance.services.waitFor(CommandTopic, command) && m_appliance.handled()
         && m_appliance.commands() == QList<QByteArray> { command };
+}
+
+bool PlayingTest::openVolumeDialog()
+{
+    return probe().tap("volumeBox") && waitUntil([this] { return probe().shows("volumeSlider"); });
+}
+
+bool PlayingTest::closeVolumeDialog()
+{
+    return probe().tap(QPointF(5, 240))
+        && waitUntil([this] { return !probe().shows("volumeSlider"); });
+}
+
+QPointF PlayingTest::sliderPlace(double part)
+{
+    constexpr double HandleWidth = 34;
+    const QRectF slider = probe().area("volumeSlider");
+    return { slider.left() + HandleWidth / 2 + part * (slider.width() - HandleWidth),
+        slider.center().y() };
+}
+
+bool PlayingTest::slide(const QPointF &from, const QPointF &to)
+{
+    constexpr int Moves = 10;
+    bool done = probe().press(from);
+    for (int i = 1; i <= Moves; ++i)
+        done = done && probe().move(from + (to - from) * i / Moves);
+    return done && probe().release(to);
 }
 
 QTEST_GUILESS_MAIN(PlayingTest)

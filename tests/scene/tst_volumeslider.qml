@@ -59,10 +59,64 @@ Item {
         }
 
         function test_sliderRunsToTheSoftLimit() {
-            compare(slider.from, 0);
-            compare(slider.to, 80);
-            compare(slider.stepSize, 1);
-            compare(slider.value, 30);
+            handleIsAt(30 / 80);
+            dialog.limitMaxVolume = 200;
+            handleIsAt(30 / 80);
+            dialog.volume = 0;
+            handleIsAt(0);
+            dialog.volume = 80;
+            handleIsAt(1);
+        }
+
+        function test_bothEndsAreOfTheRange_data() {
+            return [
+                { tag: "a step too far", min: 0, soft: 75, step: 2, lowest: 0, highest: 75 },
+                { tag: "two units too far", min: 0, soft: 98, step: 3, lowest: 0, highest: 98 },
+                { tag: "below zero", min: -80, soft: -10.5, step: 1, lowest: -80, highest: -10.5 },
+                { tag: "step beyond the range", min: 0, soft: 50, step: 100, lowest: 0, highest: 50 },
+                { tag: "last step is short", min: 0, soft: 97, step: 3, lowest: 0, highest: 97 },
+                { tag: "a floating step", min: 0, soft: Math.fround(70.1), step: Math.fround(0.1), lowest: 0, highest: 70.1 },
+                { tag: "no step", min: -60, soft: 7.5, step: 0, lowest: -60, highest: 7.5 },
+                { tag: "step is no number", min: 0, soft: 75, step: NaN, lowest: 0, highest: 75 },
+                // A command carries one decimal, and that, too, must not pass the limit.
+                { tag: "finer than a command", min: -20.27, soft: 10.27, step: 0.25, lowest: -20.2, highest: 10.2 },
+                { tag: "around zero", min: -0.04, soft: 0.18, step: 0, lowest: 0, highest: 0.1 }
+            ];
+        }
+
+        function test_bothEndsAreOfTheRange(row) {
+            open({ volume: row.min, limitMinVolume: row.min, limitMaxVolume: 200, limitSoftVolume: row.soft,
+                   volumeStep: row.step });
+            handleIsAt(0);
+            for (const [end, value] of [[1, row.highest], [0, row.lowest], [1, row.highest]]) {
+                drag(slider, grooveX(1 - end), 21, grooveX(end), 21);
+                compare(lastMoved(), value);
+                verify(!Object.is(lastMoved(), -0));
+                handleIsAt(end);
+                // Beyond the end is at the end.
+                drag(slider, grooveX(0.5), 21, slider.width * (2 * end - 0.5), 21);
+                compare(lastMoved(), value);
+                handleIsAt(end);
+            }
+            for (let i = 0; i < moved.count; ++i) {
+                const value = moved.signalArguments[i][0];
+                verify(value >= row.lowest && value <= row.highest, value);
+                verify(Math.abs(10 * value - Math.round(10 * value)) < 1e-6, value);
+            }
+        }
+
+        function test_everyStepCanBeReached() {
+            open({ volume: 0, limitMinVolume: 0, limitMaxVolume: 100, limitSoftVolume: 20, volumeStep: 3 });
+            for (const value of [3, 6, 9, 12, 15, 18, 20]) {
+                tap(slider, grooveX(value / 20), 21);
+                compare(lastMoved(), value);
+                handleIsAt(value / 20);
+            }
+            // Between the last step and the limit the nearer counts, as between two steps.
+            tap(slider, grooveX(18.9 / 20), 21);
+            compare(lastMoved(), 18);
+            tap(slider, grooveX(19.1 / 20), 21);
+            compare(lastMoved(), 20);
         }
 
         function test_textsHaveTheWantedDecimals() {
@@ -109,6 +163,21 @@ Item {
             verify(moved.count > 0);
         }
 
+        /** The middle of the handle, in the slider, when it is at this part of its way. */
+        function grooveX(part) {
+            return slider.handle.width / 2 + part * (slider.width - slider.handle.width);
+        }
+
+        /** Checks where the handle is on the screen. */
+        function handleIsAt(part) {
+            const middle = slider.handle.mapToItem(slider, slider.handle.width / 2, 0).x;
+            verify(Math.abs(middle - grooveX(part)) < 0.5, middle + " instead of " + grooveX(part));
+        }
+
+        function lastMoved() {
+            return moved.signalArguments[moved.count - 1][0];
+        }
+
         function handleX(value) {
             const travel = slider.availableWidth - slider.handle.width;
             return slider.handle.width / 2 + travel * (value - slider.from) / (slider.to - slider.from);
@@ -146,13 +215,10 @@ Item {
 
         function test_aRangeThatComesAfterTheVolumeCounts() {
             open({ volume: 30 });
-            compare(slider.from, 0);
-            compare(slider.to, 0);
             dialog.limitSoftVolume = 80;
-            compare(slider.value, 30);
+            handleIsAt(30 / 80);
             dialog.limitMinVolume = -80;
-            compare(slider.value, 30);
-            compare(slider.from, -80);
+            handleIsAt(110 / 160);
         }
 
         function test_oddRangesAreQuiet_data() {
