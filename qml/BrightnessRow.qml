@@ -27,6 +27,6 @@ PageText {
         source: root.brightness
         step: 1
         // Only a finger writes: neither the first value nor one that the slider had to clamp goes back.
-        onPlaced: root.chosen(value)
+        onChosen: root.chosen(value)
     }
 }

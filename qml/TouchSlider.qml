@@ -17,9 +17,12 @@ T.Slider {
     property real highest
     /** What lies between two values; 0 where every value counts. */
     property real step
+    property real chosenValue
 
     /** A finger has moved the handle, perhaps by so little that the value is what it was. */
     signal placed(real value)
+    /** A finger has moved the handle to another value. */
+    signal chosen(real value)
 
     function number(value, otherwise) {
         return isFinite(value) ? value : otherwise;
@@ -29,7 +32,12 @@ T.Slider {
         if (pressed)
             return;
         echoTimer.stop();
-        value = number(source, from);
+        put(number(source, from));
+    }
+
+    function put(newValue) {
+        value = newValue;
+        chosenValue = value;
     }
 
     /** The value of the range that can be chosen next to this one: that of a step, or an end, whatever the steps. */
@@ -55,8 +63,11 @@ T.Slider {
     // The steps are counted here and not left to the slider's own `stepSize`, whose last step may lie beyond the end, or
     // short of it.
     onMoved: {
-        value = choice(value);
+        const before = chosenValue;
+        put(choice(value));
         placed(value);
+        if (value !== before)
+            chosen(value);
     }
 
     Component.onCompleted: follow()

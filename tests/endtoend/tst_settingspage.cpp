@@ -54,6 +54,7 @@ private slots:
     void aDamagedDiskKeepsNobodyFromThePage_data();
     void aDamagedDiskKeepsNobodyFromThePage();
     void inactivityDiscardsAndLeaves();
+    void aTremblingFingerIsNoActivity();
 
 private:
     bool start();
@@ -221,6 +222,35 @@ void SettingsPageTest::inactivityDiscardsAndLeaves()
     QVERIFY(m_appliance->handled());
     QVERIFY(probe().setObjectProperty("inactivityTimer", "interval", 1));
     QVERIFY(m_appliance->waitForPage("RoonConnectionFailure"));
+    QVERIFY(m_appliance->program.stop());
+}
+
+void SettingsPageTest::aTremblingFingerIsNoActivity()
+{
+    m_appliance = std::make_unique<Appliance>();
+    m_appliance->program.setEnvironment("VELUNOR_TOUCHUI_SCREENTYPE", "DISPLAY2_7INCH"); // 1 to 31
+    QVERIFY(m_appliance->start());
+    QVERIFY(open());
+    const QRectF area = probe().area(sliderOf("screenBrightness"));
+    const double step = (area.width() - 34) / 30;
+    const auto placeOf = [&](int value) {
+        return QPointF(area.left() + 17 + (value - 1) * step, area.center().y());
+    };
+    QVERIFY(probe().press(placeOf(31)));
+    QVERIFY(probe().move(placeOf(25)));
+    QVERIFY(probe().move(placeOf(20)));
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance->panel.brightness(), QByteArray("20"), PatienceMs);
+    QVERIFY(probe().setObjectProperty("inactivityTimer", "interval", 1000));
+    // The finger stays on the slider, and within the step; that alone must not keep the page.
+    double aside = step / 3;
+    QVERIFY(waitUntil([&] {
+        aside = -aside;
+        return !probe().move(placeOf(20) + QPointF(aside, 0)) || probe().shows(Player);
+    }));
+    QCOMPARE(m_appliance->program.count(Line::debug("SettingsWindow: time out")), 1);
+    QVERIFY(probe().release(placeOf(20)));
+    QVERIFY(m_appliance->handled());
+    QCOMPARE(m_appliance->panel.brightness(), QByteArray("150"));
     QVERIFY(m_appliance->program.stop());
 }
 

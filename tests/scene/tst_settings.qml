@@ -122,7 +122,6 @@ Item {
             for (const row of ["screenBrightness", "clockBrightness"]) {
                 compare(slider(row).from, 13);
                 compare(slider(row).to, 254);
-                compare(slider(row).stepSize, 1);
             }
             compare(slider("screenBrightness").value, 150);
             compare(slider("clockBrightness").value, 100);
@@ -174,6 +173,45 @@ Item {
             compare(Settings.brightness, 13);
             dragTo("screenBrightness", 1);
             compare(Settings.brightness, 254);
+        }
+
+        function test_onlyAnotherValueCounts_data() {
+            return [ { tag: "screen", row: "screenBrightness", key: "brightness" },
+                     { tag: "clock", row: "clockBrightness", key: "clockBrightness" } ];
+        }
+
+        function test_onlyAnotherValueCounts(row) {
+            // Steps wide enough for a finger to be taken as moving within one.
+            open(3, 3, 1, 6);
+            const moved = slider(row.row);
+            const step = (moved.width - moved.handle.width) / 5;
+            const handle = moved.handle.mapToItem(moved, moved.handle.width / 2, moved.handle.height / 2);
+            settingWrites.clear();
+            for (let i = 0; i < 3; ++i) {
+                const touch = drag(moved, handle.x, handle.y, handle.x + 0.4 * step, handle.y, false);
+                waitForMoves();
+                touch.move(1, moved, handle.x - 0.4 * step, handle.y).commit();
+                waitForMoves();
+                touch.release(1, moved, handle.x + 0.3 * step, handle.y).commit();
+            }
+            compare(Settings[row.key], 3);
+            compare(settingWrites.count, 0);
+            compare(restarts.count, 0);
+            compare(moved.handle.mapToItem(moved, moved.handle.width / 2, 0).x, handle.x);
+
+            const touch = drag(moved, handle.x, handle.y, handle.x + 0.8 * step, handle.y, false);
+            tryCompare(Settings, row.key, 4);
+            compare(settingWrites.count, 1);
+            compare(restarts.count, 2); // stopped and started
+            touch.release(1, moved, handle.x + 0.8 * step, handle.y).commit();
+            compare(settingWrites.count, 1);
+            compare(restarts.count, 2);
+        }
+
+        /** Moves are gathered until the next frame. */
+        function waitForMoves() {
+            wait(0);
+            waitForRendering(page);
         }
 
         function test_aValueFromElsewhereIsShown() {
@@ -238,6 +276,13 @@ Item {
             tap(page, 700, 300);
             compare(calls, []);
             compare(restarts.count, 0);
+        }
+
+        SignalSpy {
+            id: settingWrites
+
+            target: Settings
+            signalName: "valueChanged"
         }
 
         SignalSpy {
