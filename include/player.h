@@ -143,6 +143,7 @@ public:
     float maxVolume() const { return m_maxVolume; }
     void setMaxVolume(float value);
 
+    // The limits are no numbers while the zone has not told them.
     float limitMinVolume() const { return m_limitMinVolume; }
     void setLimitMinVolume(float value);
 

@@ -5,6 +5,9 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QtNumeric>
+
+#include <optional>
 
 /**
  * One playback endpoint of the Roon Core: an output, or a group of outputs that play together.
@@ -109,16 +112,21 @@ public:
     void setVolumeMax(float value) { m_volumeMax = value; }
 
     /** The lowest value that the zone accepts. */
-    float volumeHardLimitMin() const { return m_volumeHardLimitMin; }
+    float volumeHardLimitMin() const { return m_volumeHardLimitMin.value_or(0.0f); }
     void setVolumeHardLimitMin(float value) { m_volumeHardLimitMin = value; }
 
     /** The highest value that the zone accepts. */
-    float volumeHardLimitMax() const { return m_volumeHardLimitMax; }
+    float volumeHardLimitMax() const { return m_volumeHardLimitMax.value_or(0.0f); }
     void setVolumeHardLimitMax(float value) { m_volumeHardLimitMax = value; }
 
     /** The highest value that the listener wants to reach from here. */
-    float volumeSoftLimit() const { return m_volumeSoftLimit; }
+    float volumeSoftLimit() const { return m_volumeSoftLimit.value_or(0.0f); }
     void setVolumeSoftLimit(float value) { m_volumeSoftLimit = value; }
+
+    // The limits once more, but no numbers until they are published: 0 would be a limit.
+    float knownHardLimitMin() const { return m_volumeHardLimitMin.value_or(qQNaN()); }
+    float knownHardLimitMax() const { return m_volumeHardLimitMax.value_or(qQNaN()); }
+    float knownSoftLimit() const { return m_volumeSoftLimit.value_or(qQNaN()); }
 
     /** The smallest change, 0.5 for example. */
     float volumeStep() const { return m_volumeStep; }
@@ -179,9 +187,9 @@ private:
     float m_volumeValue = 0.0f;
     float m_volumeMin = 0.0f;
     float m_volumeMax = 0.0f;
-    float m_volumeHardLimitMin = 0.0f;
-    float m_volumeHardLimitMax = 0.0f;
-    float m_volumeSoftLimit = 0.0f;
+    std::optional<float> m_volumeHardLimitMin;
+    std::optional<float> m_volumeHardLimitMax;
+    std::optional<float> m_volumeSoftLimit;
     float m_volumeStep = 0.0f;
     bool m_volumeIsMuted = false;
     uint m_queueItemsRemaining = 0;

@@ -39,6 +39,7 @@ QtObject {
 
     readonly property real iconOpacity: 0.9
     readonly property real popupOpacity: 0.9
+    readonly property real unusableOpacity: 0.4
     /** How far an enlarged touch area or name reaches beyond its box, in pixels. */
     readonly property int touchMargin: 10
     /** A pop-up that nobody touches closes after this time, in milliseconds. */

@@ -12,27 +12,33 @@ T.Slider {
 
     /** The value to show while nobody touches the slider. */
     property real source
-    /** Ends of the range.  Ends that are no numbers, or lie the wrong way round, leave a range of one value. */
+    /** Ends of the range.  Without two numbers, the second above the first, there is nothing to choose from. */
     property real lowest
     property real highest
     /** What lies between two values; 0 where every value counts. */
     property real step
+    readonly property bool hasRange: isFinite(lowest) && isFinite(highest) && lowest < highest
     property real chosenValue
+    property bool interrupted: false
 
     /** A finger has moved the handle, perhaps by so little that the value is what it was. */
     signal placed(real value)
     /** A finger has moved the handle to another value. */
     signal chosen(real value)
 
-    function number(value, otherwise) {
-        return isFinite(value) ? value : otherwise;
+    /** Has the finger lose the handle: what it has begun ends here, and its lifting chooses nothing. */
+    function interrupt() {
+        // An item that is disabled is taken away from the finger that holds it.
+        interrupted = true;
+        interrupted = false;
+        follow();
     }
 
     function follow() {
         if (pressed)
             return;
         echoTimer.stop();
-        put(number(source, from));
+        put(isFinite(source) ? source : from);
     }
 
     function put(newValue) {
@@ -48,13 +54,16 @@ T.Slider {
         return nearest > to || to - wanted < Math.abs(wanted - nearest) ? to : nearest;
     }
 
-    from: number(lowest, 0)
-    to: Math.max(from, number(highest, from))
+    enabled: hasRange && !interrupted
+    opacity: hasRange ? 1 : Theme.unusableOpacity
+    from: hasRange ? lowest : 0
+    to: hasRange ? highest : 0
     implicitWidth: 200
     implicitHeight: 43
     onSourceChanged: follow()
-    onFromChanged: follow()
-    onToChanged: follow()
+    // In another range the place of a resting finger means another value, which nobody has chosen.
+    onFromChanged: interrupt()
+    onToChanged: interrupt()
     onPressedChanged: {
         if (!pressed)
             echoTimer.restart();
@@ -94,6 +103,8 @@ T.Slider {
         width: 34
         height: width
         radius: width / 2
+        // No place in a range that is not there would be true.
+        visible: root.hasRange
         color: Theme.sliderHandle
         border.width: 2
         border.color: root.pressed ? Theme.accent : Theme.sliderGroove

@@ -126,9 +126,9 @@ void Player::copyVolume(const RoonZone &zone)
         setVolume(zone.volumeValue());
         m_minVolume = zone.volumeMin();
         m_maxVolume = zone.volumeMax();
-        m_limitMinVolume = zone.volumeHardLimitMin();
-        m_limitMaxVolume = zone.volumeHardLimitMax();
-        m_limitSoftVolume = zone.volumeSoftLimit();
+        m_limitMinVolume = zone.knownHardLimitMin();
+        m_limitMaxVolume = zone.knownHardLimitMax();
+        m_limitSoftVolume = zone.knownSoftLimit();
         // Deliberate: notified on every update, changed or not.
         emit minVolumeChanged();
         emit maxVolumeChanged();

@@ -58,6 +58,7 @@ void PagesTest::pagesShowWithoutComplaint()
     QVERIFY(appliance.startServices());
     appliance.publishZone("nowPlaying/imageKey", "cover");
     appliance.publishZone("nowPlaying/song", QByteArray(200, 'x'));
+    appliance.publishZone("volume/hard_limit_min", "0");
     appliance.publishZone("volume/soft_limit", "80");
     appliance.publishZone("volume/available", "true");
     appliance.publishState("UpdateAvailable", "true");
@@ -120,6 +121,7 @@ void PagesTest::popupsGoWithTheirPage()
     QFETCH(QString, content);
     Appliance appliance;
     QVERIFY(appliance.start());
+    appliance.publishZone("volume/hard_limit_min", "0");
     appliance.publishZone("volume/soft_limit", "80");
     appliance.publishZone("volume/available", "true");
     QVERIFY(appliance.handled());
@@ -215,6 +217,7 @@ void PagesTest::pageSwitchAndEndFindAnything()
         "hanging", { ImageServer::Behaviour::Hang, Qt::red, "JPEG", 0, 0 });
     appliance.images.setBehaviour("other", {});
     QVERIFY(appliance.start());
+    appliance.publishZone("volume/hard_limit_min", "0");
     appliance.publishZone("volume/soft_limit", "80");
     appliance.publishZone("volume/available", "true");
     QVERIFY(appliance.handled());

@@ -45,6 +45,8 @@ private slots:
     void volumeSliderSendsAValueOnce();
     void volumeSliderKeepsToItsRange_data();
     void volumeSliderKeepsToItsRange();
+    void volumeSliderWithoutARangeSendsNothing_data();
+    void volumeSliderWithoutARangeSendsNothing();
     void volumeDialogClosesBesideATouch();
     void aZoneIsChosenFromTheList();
     void anUpdateIsAskedForAtTheWebService();
@@ -56,6 +58,8 @@ private:
     Probe &probe() { return m_appliance.program.probe(); }
     /** Waits until this command, and nothing else, has come to the broker. */
     bool onlyCommandIs(const QByteArray &command);
+    /** The same for the zone with the id "z2", which lists as @p name beside "Kitchen". */
+    bool otherZoneIs(const QByteArray &name, const ZoneValues &values);
     bool openVolumeDialog();
     bool closeVolumeDialog();
     /** The middle of the volume dialog's handle when it is at this part of its way. */
@@ -74,7 +78,9 @@ void PlayingTest::initTestCase()
 
 void PlayingTest::init()
 {
-    // The state from which each test starts.
+    // The state from which each test starts: the zone as it is, and no other.
+    m_appliance.publishZones(R"([{"id":"z1","name":"Kitchen"}])");
+    QVERIFY(probe().setObjectProperty(Probe::Target::type("Player"), "wantedZone", "Kitchen"));
     QVERIFY(zoneIs({ { "volume/step", "1" }, { "state", "playing" }, { "nowPlaying/song", "Song" },
         { "nowPlaying/artist", "Artist" }, { "nowPlaying/album", "Album" },
         { "nowPlaying/length", "200" }, { "nowPlaying/seekPosition", "50" },
@@ -385,6 +391,63 @@ void PlayingTest::volumeSliderKeepsToItsRange()
     QVERIFY(closeVolumeDialog());
 }
 
+void PlayingTest::volumeSliderWithoutARangeSendsNothing_data()
+{
+    QTest::addColumn<ZoneValues>("values"); // of a zone of which no more than its volume is known
+    const auto row
+        = [](const char *name, const ZoneValues &values) { QTest::newRow(name) << values; };
+    row("never published", {});
+    row("no minimum", { { "volume/soft_limit", "80" } });
+    row("no soft limit", { { "volume/hard_limit_min", "-80" } });
+    row("one value", { { "volume/hard_limit_min", "30" }, { "volume/soft_limit", "30" } });
+    row("the wrong way round",
+        { { "volume/hard_limit_min", "10" }, { "volume/soft_limit", "-10" } });
+    row("no numbers", { { "volume/hard_limit_min", "nan" }, { "volume/soft_limit", "inf" } });
+    row("empty", { { "volume/hard_limit_min", "" }, { "volume/soft_limit", "" } });
+}
+
+void PlayingTest::volumeSliderWithoutARangeSendsNothing()
+{
+    QFETCH(ZoneValues, values);
+    const auto handleIsShown = [this] {
+        const QImage slider = probe().picture().copy(probe().area("volumeSlider").toRect());
+        int white = 0;
+        for (int y = 0; y < slider.height(); ++y) {
+            for (int x = 0; x < slider.width(); ++x)
+                white += slider.pixelColor(x, y) == QColor(Qt::white);
+        }
+        return white > 100;
+    };
+    QVERIFY(otherZoneIs("Cellar",
+        ZoneValues { { "volume/available", "true" }, { "volume/value", "40" },
+            { "volume/step", "2" }, { "state", "playing" } }
+            + values));
+    QVERIFY(m_appliance.program.probe().setObjectProperty(
+        Probe::Target::type("Player"), "wantedZone", "Cellar"));
+    QVERIFY(otherZoneIs("Cellar", { { "is_pause_allowed", "true" } }));
+    QVERIFY(openVolumeDialog());
+    QCOMPARE(probe().property("currentText", "text"), QJsonValue("40"));
+    for (const double part : { 0.0, 0.3, 0.5, 1.0 })
+        QVERIFY(probe().tap(sliderPlace(part)));
+    QVERIFY(slide(sliderPlace(0), sliderPlace(0.7)));
+    QVERIFY(m_appliance.handled());
+    QCOMPARE(m_appliance.commands(), QList<QByteArray>());
+    QVERIFY(!handleIsShown());
+    QVERIFY(probe().tap("volumeUp"));
+    QVERIFY(
+        onlyCommandIs(R"({"command":"set_volume","how":"relative","value":2.0,"zone_id":"z2"})"));
+
+    // Once the range is known the slider is there.
+    m_appliance.services.clear();
+    QVERIFY(
+        otherZoneIs("Cellar", { { "volume/hard_limit_min", "0" }, { "volume/soft_limit", "80" } }));
+    QTRY_VERIFY_WITH_TIMEOUT(handleIsShown(), PatienceMs);
+    QVERIFY(slide(sliderPlace(0.5), sliderPlace(1)));
+    QVERIFY(m_appliance.services.waitFor(
+        CommandTopic, R"({"command":"set_volume","how":"absolute","value":80.0,"zone_id":"z2"})"));
+    QVERIFY(closeVolumeDialog());
+}
+
 void PlayingTest::volumeDialogClosesBesideATouch()
 {
     QVERIFY(openVolumeDialog());
@@ -467,6 +530,17 @@ bool PlayingTest::zoneIs(const ZoneValues &values)
 {
     for (const auto &value : values)
         m_appliance.publishZone(value.first, value.second);
+    return m_appliance.handled();
+}
+
+bool PlayingTest::otherZoneIs(const QByteArray &name, const ZoneValues &values)
+{
+    const QString zone = "Velunor/Controller/remote_control/v4/roon/Zones/z2/";
+    m_appliance.publishZones(
+        R"([{"id":"z1","name":"Kitchen"},{"id":"z2","name":")" + name + R"("}])");
+    m_appliance.services.publish(zone + "name", name, true);
+    for (const auto &value : values)
+        m_appliance.services.publish(zone + value.first, value.second, true);
     return m_appliance.handled();
 }
 

@@ -221,26 +221,79 @@ Item {
             handleIsAt(110 / 160);
         }
 
-        function test_oddRangesAreQuiet_data() {
+        function test_withoutARangeNothingIsChosen_data() {
             return [
-                { tag: "empty", min: 0, soft: 0, volume: 0 },
+                { tag: "never published", min: NaN, soft: NaN, volume: 0 },
+                { tag: "no minimum", min: NaN, soft: 80, volume: 40 },
+                { tag: "no soft limit", min: 0, soft: NaN, volume: 40 },
+                { tag: "only zeros", min: 0, soft: 0, volume: 40 },
+                { tag: "one value", min: 30, soft: 30, volume: 30 },
                 { tag: "the wrong way round", min: 10, soft: -10, volume: 5 },
-                { tag: "no number", min: NaN, soft: NaN, volume: NaN },
-                { tag: "no soft limit", min: 0, soft: NaN, volume: 5 },
                 { tag: "endless", min: -Infinity, soft: Infinity, volume: 5 },
-                { tag: "volume above", min: 0, soft: 10, volume: 50 }
+                { tag: "less than a command can tell", min: 20.01, soft: 20.09, volume: 20 },
+                { tag: "no number at all", min: NaN, soft: NaN, volume: NaN }
             ];
         }
 
-        function test_oddRangesAreQuiet(row) {
+        function test_withoutARangeNothingIsChosen(row) {
             open({ volume: row.volume, limitMinVolume: row.min, limitSoftVolume: row.soft, limitMaxVolume: row.soft,
-                   volumeStep: row.volume });
-            verify(isFinite(slider.value));
-            verify(slider.value >= slider.from && slider.value <= slider.to);
-            verify(isFinite(slider.visualPosition));
-            drag(slider, 20, 21, 300, 21);
-            for (let i = 0; i < moved.count; ++i)
-                verify(isFinite(moved.signalArguments[i][0]));
+                   volumeStep: 1 });
+            verify(!slider.enabled);
+            verify(slider.opacity < 0.5);
+            verify(!slider.handle.visible);
+            for (const part of [0, 0.3, 1])
+                tap(slider, grooveX(part), 21);
+            drag(slider, grooveX(0), 21, grooveX(0.7), 21);
+            mouseDrag(slider, grooveX(0), 21, 100, 0);
+            compare(moved.count, 0);
+            verify(dialog.visible);
+            tap(find(dialog, "volumeUp"));
+            tap(find(dialog, "volumeDown"));
+            compare(up.count, 1);
+            compare(down.count, 1);
+        }
+
+        function test_aVolumeOutsideTheRangeCanBeLeft() {
+            open({ volume: 90, limitMinVolume: 0, limitMaxVolume: 100, limitSoftVolume: 80, volumeStep: 1 });
+            handleIsAt(1);
+            const touch = drag(slider, grooveX(1), 21, grooveX(0.9), 21, false);
+            touch.move(1, slider, slider.width, 21).commit();
+            touch.release(1, slider, slider.width, 21).commit();
+            compare(lastMoved(), 80);
+            handleIsAt(1);
+        }
+
+        function test_aRangeThatComesUnderTheFingerIsForTheNext() {
+            open({ volume: 30, limitMinVolume: 0, limitMaxVolume: 100, limitSoftVolume: 0, volumeStep: 1 });
+            const touch = drag(slider, grooveX(0.2), 21, grooveX(0.3), 21, false);
+            dialog.limitSoftVolume = 80;
+            verify(slider.enabled);
+            compare(slider.opacity, 1);
+            verify(slider.handle.visible);
+            touch.move(1, slider, grooveX(0.5), 21).commit();
+            touch.release(1, slider, grooveX(0.5), 21).commit();
+            compare(moved.count, 0);
+            handleIsAt(30 / 80);
+            tap(slider, grooveX(0.5), 21);
+            compare(lastMoved(), 40);
+        }
+
+        function test_aRangeThatChangesUnderTheFingerEndsTheDrag_data() {
+            return [ { tag: "goes", soft: 0 }, { tag: "becomes smaller", soft: 50 }, { tag: "becomes larger", soft: 90 } ];
+        }
+
+        function test_aRangeThatChangesUnderTheFingerEndsTheDrag(row) {
+            const touch = drag(slider, handleX(30), 21, handleX(60), 21, false);
+            tryVerify(function() { return moved.count > 0 && lastMoved() === 60; });
+            dialog.limitSoftVolume = row.soft;
+            moved.clear();
+            touch.release(1, slider, grooveX(60 / 80), 21).commit();
+            compare(moved.count, 0);
+            verify(closeTimer.running);
+            dialog.limitSoftVolume = 80;
+            handleIsAt(30 / 80);
+            tap(slider, grooveX(0.5), 21);
+            compare(lastMoved(), 40);
         }
 
         function test_openingStartsTheCloseTimer() {

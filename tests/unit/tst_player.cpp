@@ -417,6 +417,9 @@ void TestPlayer::updateWithoutAZoneObjectShowsUnknown()
     m_zone->setState(QStringLiteral("playing"));
     m_zone->setVolumeAvailable(true);
     m_zone->setVolumeValue(50.0f);
+    m_zone->setVolumeHardLimitMin(0.0f);
+    m_zone->setVolumeHardLimitMax(100.0f);
+    m_zone->setVolumeSoftLimit(80.0f);
     m_zone->setIsNextAllowed(true);
     m_player->update();
     QCoreApplication::processEvents();
