@@ -17,12 +17,14 @@ T.Slider {
     property real highest
     /** What lies between two values; 0 where every value counts. */
     property real step
+    /** By how much the source may differ from a value that was chosen when it has come back. */
+    property real tolerance: 0
     readonly property bool hasRange: isFinite(lowest) && isFinite(highest) && lowest < highest
     property real chosenValue
     property bool interrupted: false
+    /** The chosen values that have not come back, in the order of choosing. */
+    property var awaited: []
 
-    /** A finger has moved the handle, perhaps by so little that the value is what it was. */
-    signal placed(real value)
     /** A finger has moved the handle to another value. */
     signal chosen(real value)
 
@@ -31,14 +33,40 @@ T.Slider {
         // An item that is disabled is taken away from the finger that holds it.
         interrupted = true;
         interrupted = false;
+        stopWaiting();
+    }
+
+    function stopWaiting() {
+        echoTimer.stop();
+        awaited = [];
         follow();
     }
 
     function follow() {
-        if (pressed)
+        if (!pressed && awaited.length === 0)
+            put(isFinite(source) ? source : from);
+    }
+
+    function isBack(chosenBefore) {
+        return Math.abs(source - chosenBefore) <= tolerance;
+    }
+
+    function expect(newValue) {
+        if (awaited.length > 0 || !isBack(newValue))
+            awaited.push(newValue);
+        if (awaited.length > 1000) // a finger that never lifts, and nobody who answers
+            awaited.shift();
+    }
+
+    // Values come back in the order of choosing, though not all do.  A finger may pass one value several times, and only
+    // the last time counts, so those before it have to be remembered.
+    function recognise() {
+        let count = awaited.findIndex(isBack);
+        if (count < 0)
             return;
-        echoTimer.stop();
-        put(isFinite(source) ? source : from);
+        while (count < awaited.length && isBack(awaited[count]))
+            ++count;
+        awaited.splice(0, count);
     }
 
     function put(newValue) {
@@ -60,13 +88,20 @@ T.Slider {
     to: hasRange ? highest : 0
     implicitWidth: 200
     implicitHeight: 43
-    onSourceChanged: follow()
+    onSourceChanged: {
+        recognise();
+        follow();
+    }
     // In another range the place of a resting finger means another value, which nobody has chosen.
     onFromChanged: interrupt()
     onToChanged: interrupt()
     onPressedChanged: {
-        if (!pressed)
+        if (pressed) {
+            echoTimer.stop();
+        } else {
             echoTimer.restart();
+            follow();
+        }
     }
 
     // The steps are counted here and not left to the slider's own `stepSize`, whose last step may lie beyond the end, or
@@ -74,9 +109,10 @@ T.Slider {
     onMoved: {
         const before = chosenValue;
         put(choice(value));
-        placed(value);
-        if (value !== before)
-            chosen(value);
+        if (value === before)
+            return;
+        expect(value);
+        chosen(value);
     }
 
     Component.onCompleted: follow()
@@ -98,6 +134,7 @@ T.Slider {
     }
 
     handle: Rectangle {
+        objectName: "handle"
         x: root.leftPadding + root.visualPosition * (root.availableWidth - width)
         y: (root.height - height) / 2
         width: 34
@@ -110,11 +147,12 @@ T.Slider {
         border.color: root.pressed ? Theme.accent : Theme.sliderGroove
     }
 
-    // A zone that refuses the value sends nothing back: then the handle returns to what holds.
+    // Who refuses the value sends nothing back, or another: then the handle returns to what holds.
     Timer {
         id: echoTimer
 
+        objectName: "echoTimer"
         interval: 1000
-        onTriggered: root.follow()
+        onTriggered: root.stopWaiting()
     }
 }

@@ -23,8 +23,6 @@ PanelPopup {
     panelHeight: 200
     radius: 4
     border.color: Theme.popupBorder
-    onVolumeChanged: slider.follow()
-    onAboutToShow: slider.follow()
 
     VolumeStepIcon {
         objectName: "volumeDown"
@@ -62,7 +60,9 @@ PanelPopup {
         lowest: Format.tenthNotBelow(root.limitMinVolume)
         highest: Format.tenthNotAbove(root.limitSoftVolume)
         step: root.volumeStep
-        onPlaced: {
+        // Half of a command's last decimal, and the difference of 0.1 that the player takes for none, in single floats.
+        tolerance: 0.151
+        onChosen: {
             root.stopCloseTimer();
             root.volumeMoved(Format.tenth(value));
         }

@@ -47,6 +47,7 @@ private slots:
     void volumeSliderKeepsToItsRange();
     void volumeSliderWithoutARangeSendsNothing_data();
     void volumeSliderWithoutARangeSendsNothing();
+    void volumeHandleStaysWhereItWasPut();
     void volumeDialogClosesBesideATouch();
     void aZoneIsChosenFromTheList();
     void anUpdateIsAskedForAtTheWebService();
@@ -445,6 +446,38 @@ void PlayingTest::volumeSliderWithoutARangeSendsNothing()
     QVERIFY(slide(sliderPlace(0.5), sliderPlace(1)));
     QVERIFY(m_appliance.services.waitFor(
         CommandTopic, R"({"command":"set_volume","how":"absolute","value":80.0,"zone_id":"z2"})"));
+    QVERIFY(closeVolumeDialog());
+}
+
+void PlayingTest::volumeHandleStaysWhereItWasPut()
+{
+    const auto handleIsAt = [this](const QPointF &place) {
+        const QPointF handle = probe().centre(Probe::Target("handle").inside("volumeSlider"));
+        return std::fabs(handle.x() - place.x()) < 1;
+    };
+    const int second = probe().objectProperty("echoTimer", "interval").toInt();
+    QCOMPARE(second, 1000);
+    QVERIFY(probe().setObjectProperty("echoTimer", "interval", PatienceMs)); // on a slow machine
+    QVERIFY(openVolumeDialog());
+    QVERIFY(slide(sliderPlace(0.5), sliderPlace(0.75)));
+    QVERIFY(m_appliance.services.waitFor(
+        CommandTopic, R"({"command":"set_volume","how":"absolute","value":60.0,"zone_id":"z1"})"));
+    // What was passed comes back late, as from a zone that carries out one command after another.
+    const QPointF put = sliderPlace(0.75);
+    for (const char *volume : { "45", "50", "55" }) {
+        QVERIFY(zoneIs({ { "volume/value", volume } }));
+        QCOMPARE(probe().property("currentText", "text"), QJsonValue(volume));
+        QVERIFY(handleIsAt(put));
+    }
+    QVERIFY(zoneIs({ { "volume/value", "60" } }));
+    QVERIFY(handleIsAt(put));
+    QVERIFY(zoneIs({ { "volume/value", "20" } }));
+    QVERIFY(handleIsAt(sliderPlace(0.25)));
+
+    // What never comes back is waited for no longer than a second.
+    QVERIFY(probe().setObjectProperty("echoTimer", "interval", second));
+    QVERIFY(probe().tap(put));
+    QTRY_VERIFY_WITH_TIMEOUT(handleIsAt(sliderPlace(0.25)), PatienceMs);
     QVERIFY(closeVolumeDialog());
 }
 
