@@ -211,6 +211,7 @@ Rectangle {
         pageVisible: root.visible
         isRotated: ScreenController.rotated
         screenRotation: ScreenController.rotation
+        volumeAvailable: Player.volumeAvailable
         volume: Player.volume
         limitMinVolume: Player.limitMinVolume
         limitMaxVolume: Player.limitMaxVolume

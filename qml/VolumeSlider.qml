@@ -7,6 +7,8 @@ import "format.js" as Format
 PanelPopup {
     id: root
 
+    /** Whether there is a volume to be changed; without one the dialog cannot be open. */
+    property bool volumeAvailable: true
     property real volume
     property real limitMinVolume
     property real limitMaxVolume
@@ -18,11 +20,18 @@ PanelPopup {
     signal volumeDown(int value)
     signal volumeMoved(real value)
 
+    function closeWithoutVolume() {
+        if (!volumeAvailable)
+            close();
+    }
+
     objectName: "volumeDialog"
     panelWidth: 600
     panelHeight: 200
     radius: 4
     border.color: Theme.popupBorder
+    onVolumeAvailableChanged: closeWithoutVolume()
+    onOpened: closeWithoutVolume()
 
     VolumeStepIcon {
         objectName: "volumeDown"

@@ -48,6 +48,7 @@ private slots:
     void volumeSliderWithoutARangeSendsNothing_data();
     void volumeSliderWithoutARangeSendsNothing();
     void volumeHandleStaysWhereItWasPut();
+    void volumeDialogGoesWithTheVolume();
     void volumeDialogClosesBesideATouch();
     void aZoneIsChosenFromTheList();
     void anUpdateIsAskedForAtTheWebService();
@@ -478,6 +479,29 @@ void PlayingTest::volumeHandleStaysWhereItWasPut()
     QVERIFY(probe().setObjectProperty("echoTimer", "interval", second));
     QVERIFY(probe().tap(put));
     QTRY_VERIFY_WITH_TIMEOUT(handleIsAt(sliderPlace(0.25)), PatienceMs);
+    QVERIFY(closeVolumeDialog());
+}
+
+void PlayingTest::volumeDialogGoesWithTheVolume()
+{
+    QVERIFY(openVolumeDialog());
+    const QPointF from = sliderPlace(0.5);
+    const QPointF to = sliderPlace(0.75);
+    QVERIFY(probe().press(from));
+    QVERIFY(probe().move((from + to) / 2));
+    QVERIFY(probe().move(to));
+    QTRY_VERIFY_WITH_TIMEOUT(!m_appliance.commands().isEmpty(), PatienceMs);
+    QVERIFY(zoneIs({ { "volume/available", "false" } }));
+    QVERIFY(!probe().shows("volumeSlider"));
+    m_appliance.services.clear();
+    QVERIFY(probe().move(from));
+    QVERIFY(probe().release(from));
+    QVERIFY(m_appliance.handled());
+    QCOMPARE(m_appliance.commands(), QList<QByteArray>());
+    // It stays closed until somebody opens it.
+    QVERIFY(zoneIs({ { "volume/available", "true" } }));
+    QVERIFY(!probe().shows("volumeSlider"));
+    QVERIFY(openVolumeDialog());
     QVERIFY(closeVolumeDialog());
 }
 

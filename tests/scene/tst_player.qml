@@ -470,6 +470,21 @@ Item {
             dialog.close();
         }
 
+        function test_volumeDialogGoesWithTheVolume() {
+            tap(item("volumeBox"), 10, 10);
+            const dialog = item("volumeDialog");
+            tryCompare(dialog, "opened", true);
+            Player.volumeAvailable = false;
+            verify(!dialog.visible);
+            tap(item("volumeBox"), 10, 10);
+            verify(!dialog.visible);
+            Player.volumeAvailable = true;
+            verify(!dialog.visible);
+            tap(item("volumeBox"), 10, 10);
+            verify(dialog.visible);
+            dialog.close();
+        }
+
         function test_zoneChooserSpeaksToThePlayer() {
             // 9 pixels beyond the name's box still count.
             tap(item("zoneName"), -9, 10);

@@ -464,6 +464,43 @@ Item {
             verify(!closeTimer.running);
         }
 
+        function test_withoutAVolumeTheDialogCloses() {
+            dialog.volumeAvailable = false;
+            verify(!dialog.visible);
+            dialog.open();
+            verify(!dialog.visible);
+            verify(!closeTimer.running);
+            dialog.volumeAvailable = true;
+            verify(!dialog.visible);
+            dialog.open();
+            verify(dialog.visible);
+        }
+
+        function test_withoutAVolumeNoFingerSends_data() {
+            return [ { tag: "slider", on: "volumeSlider" }, { tag: "slider, moving", on: "volumeSlider", moving: true },
+                     { tag: "up", on: "volumeUp" }, { tag: "down", on: "volumeDown" } ];
+        }
+
+        function test_withoutAVolumeNoFingerSends(row) {
+            const held = find(dialog, row.on);
+            const touch = touchEvent(held);
+            touch.press(1, held, 50, 30).commit();
+            if (row.moving) {
+                for (let x = 60; x <= 120; x += 10)
+                    touch.move(1, held, x, 30).commit();
+                tryVerify(function() { return moved.count > 0; });
+                moved.clear();
+            }
+            dialog.volumeAvailable = false;
+            verify(!dialog.visible);
+            touch.move(1, held, 70, 30).commit();
+            wait(0);
+            touch.release(1, held, 70, 30).commit();
+            for (const spy of [down, up, moved])
+                compare(spy.count, 0);
+            verify(!closeTimer.running);
+        }
+
         function test_aTouchBesideTheDialogClosesIt() {
             tap(top, 20, 20);
             tryCompare(dialog, "visible", false);
