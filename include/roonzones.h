@@ -56,11 +56,18 @@ public:
      * name, else the group it leads, else the group it follows; empty when there is none.
      */
     QString findZoneByDisplayName(const QString &displayName) const;
+    /** The same without its lines in the log, for those who only watch. */
+    QString idByDisplayName(const QString &displayName) const;
 
 signals:
     void zonesChanged();
 
 private:
+    struct Found {
+        QString id;
+        const char *groupRole; ///< null for a zone of that very name
+    };
+    Found lookUp(const QString &displayName) const;
     bool isAvailable(const QString &id) const;
 
     QHash<QString, RoonZone *>

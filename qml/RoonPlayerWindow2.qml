@@ -7,6 +7,7 @@ import Velunor.RoonZones 1.0
 import Velunor.Screen 1.0
 import Velunor.Settings 1.0
 import Velunor.VelunorState 1.0
+import Velunor.Zones 1.0
 import "."
 import "format.js" as Format
 
@@ -32,6 +33,12 @@ Rectangle {
     height: ScreenController.height
     color: Theme.background
     Component.onCompleted: readVolumePrecision()
+
+    ControlledZone {
+        id: controlledZone
+
+        objectName: "controlledZone"
+    }
 
     CoverArtLoader {
         id: coverArt
@@ -211,6 +218,7 @@ Rectangle {
         pageVisible: root.visible
         isRotated: ScreenController.rotated
         screenRotation: ScreenController.rotation
+        zoneId: controlledZone.zoneId
         volumeAvailable: Player.volumeAvailable
         volume: Player.volume
         limitMinVolume: Player.limitMinVolume

@@ -7,6 +7,8 @@ import "format.js" as Format
 PanelPopup {
     id: root
 
+    /** The zone whose volume this is.  What a finger has begun ends when it changes. */
+    property string zoneId
     /** Whether there is a volume to be changed; without one the dialog cannot be open. */
     property bool volumeAvailable: true
     property real volume
@@ -30,6 +32,7 @@ PanelPopup {
     panelHeight: 200
     radius: 4
     border.color: Theme.popupBorder
+    onZoneIdChanged: slider.interrupt()
     onVolumeAvailableChanged: closeWithoutVolume()
     onOpened: closeWithoutVolume()
 

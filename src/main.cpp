@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "controlledzone.h"
 #include "coverartloader.h"
 #include "imageprovider.h"
 #include "messagehandler.h"
@@ -96,6 +97,7 @@ int main(int argc, char *argv[])
 
     QQmlApplicationEngine engine;
     qmlRegisterType<CoverArtLoader>("Velunor.Images", 1, 0, "CoverArtLoader");
+    qmlRegisterType<ControlledZone>("Velunor.Zones", 1, 0, "ControlledZone");
     engine.addImageProvider(
         QStringLiteral("velunor"), new ImageProvider(QQmlImageProviderBase::Image));
     engine.load(QUrl(QStringLiteral("qrc:/qml/main.qml")));

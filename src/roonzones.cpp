@@ -89,31 +89,37 @@ void RoonZones::updateAvailableZones(const QByteArray &json)
 
 QString RoonZones::findZoneByDisplayName(const QString &displayName) const
 {
+    const Found found = lookUp(displayName);
+    if (found.groupRole)
+        qInfo().noquote().nospace() << "RoonZones::findZoneByDisplayName() we're "
+                                    << found.groupRole << " in a GROUPED zone: " << found.id;
+    return found.id;
+}
+
+QString RoonZones::idByDisplayName(const QString &displayName) const
+{
+    return lookUp(displayName).id;
+}
+
+RoonZones::Found RoonZones::lookUp(const QString &displayName) const
+{
     const auto exact = m_available.constFind(displayName);
     if (exact != m_available.constEnd())
-        return exact.value();
+        return { exact.value(), nullptr };
 
     // Group names are the members' names joined by " + ".  Deliberate: the name counts anywhere in
     // the group's name; only the last member has no " + " behind it, and is found as a follower.
     const QString leading = displayName + QLatin1String(" + ");
     for (auto zone = m_available.constBegin(); zone != m_available.constEnd(); ++zone) {
-        if (zone.key().contains(leading)) {
-            qInfo().noquote().nospace()
-                << "RoonZones::findZoneByDisplayName() we're leader in a GROUPED zone: "
-                << zone.value();
-            return zone.value();
-        }
+        if (zone.key().contains(leading))
+            return { zone.value(), "leader" };
     }
 
     for (auto zone = m_zones.constBegin(); zone != m_zones.constEnd(); ++zone) {
-        if (zone.value()->outputs().contains(displayName) && isAvailable(zone.key())) {
-            qInfo().noquote().nospace()
-                << "RoonZones::findZoneByDisplayName() we're follower in a GROUPED zone: "
-                << zone.key();
-            return zone.key();
-        }
+        if (zone.value()->outputs().contains(displayName) && isAvailable(zone.key()))
+            return { zone.key(), "follower" };
     }
-    return QString();
+    return { QString(), nullptr };
 }
 
 bool RoonZones::isAvailable(const QString &id) const

@@ -48,6 +48,9 @@ private slots:
     void volumeSliderWithoutARangeSendsNothing_data();
     void volumeSliderWithoutARangeSendsNothing();
     void volumeHandleStaysWhereItWasPut();
+    void volumeDragEndsWithItsZone_data();
+    void volumeDragEndsWithItsZone();
+    void volumeDragOutlivesNewsOfOtherZones();
     void volumeDialogGoesWithTheVolume();
     void volumeDialogClosesBesideATouch();
     void aZoneIsChosenFromTheList();
@@ -83,15 +86,16 @@ void PlayingTest::init()
     // The state from which each test starts: the zone as it is, and no other.
     m_appliance.publishZones(R"([{"id":"z1","name":"Kitchen"}])");
     QVERIFY(probe().setObjectProperty(Probe::Target::type("Player"), "wantedZone", "Kitchen"));
-    QVERIFY(zoneIs({ { "volume/step", "1" }, { "state", "playing" }, { "nowPlaying/song", "Song" },
-        { "nowPlaying/artist", "Artist" }, { "nowPlaying/album", "Album" },
-        { "nowPlaying/length", "200" }, { "nowPlaying/seekPosition", "50" },
-        { "settings/shuffle", "false" }, { "settings/autoRadio", "false" },
-        { "settings/loop", "disabled" }, { "queue_items_remaining", "3" },
-        { "is_previous_allowed", "true" }, { "is_next_allowed", "true" },
-        { "is_pause_allowed", "true" }, { "is_play_allowed", "false" },
-        { "is_seek_allowed", "true" }, { "volume/available", "true" }, { "volume/value", "40" },
-        { "volume/min", "0" }, { "volume/max", "100" }, { "volume/hard_limit_min", "0" },
+    QVERIFY(zoneIs({ { "name", "Kitchen" }, { "volume/step", "1" }, { "state", "playing" },
+        { "nowPlaying/song", "Song" }, { "nowPlaying/artist", "Artist" },
+        { "nowPlaying/album", "Album" }, { "nowPlaying/length", "200" },
+        { "nowPlaying/seekPosition", "50" }, { "settings/shuffle", "false" },
+        { "settings/autoRadio", "false" }, { "settings/loop", "disabled" },
+        { "queue_items_remaining", "3" }, { "is_previous_allowed", "true" },
+        { "is_next_allowed", "true" }, { "is_pause_allowed", "true" },
+        { "is_play_allowed", "false" }, { "is_seek_allowed", "true" },
+        { "volume/available", "true" }, { "volume/value", "40" }, { "volume/min", "0" },
+        { "volume/max", "100" }, { "volume/hard_limit_min", "0" },
         { "volume/hard_limit_max", "100" }, { "volume/soft_limit", "80" } }));
     m_appliance.services.clear();
     m_firstLine = m_appliance.program.logSize();
@@ -460,17 +464,17 @@ void PlayingTest::volumeHandleStaysWhereItWasPut()
     QCOMPARE(second, 1000);
     QVERIFY(probe().setObjectProperty("echoTimer", "interval", PatienceMs)); // on a slow machine
     QVERIFY(openVolumeDialog());
-    QVERIFY(slide(sliderPlace(0.5), sliderPlace(0.75)));
+    QVERIFY(slide(sliderPlace(0.5), sliderPlace(0.775)));
     QVERIFY(m_appliance.services.waitFor(
-        CommandTopic, R"({"command":"set_volume","how":"absolute","value":60.0,"zone_id":"z1"})"));
+        CommandTopic, R"({"command":"set_volume","how":"absolute","value":62.0,"zone_id":"z1"})"));
     // What was passed comes back late, as from a zone that carries out one command after another.
-    const QPointF put = sliderPlace(0.75);
+    const QPointF put = sliderPlace(0.775);
     for (const char *volume : { "45", "50", "55" }) {
         QVERIFY(zoneIs({ { "volume/value", volume } }));
         QCOMPARE(probe().property("currentText", "text"), QJsonValue(volume));
         QVERIFY(handleIsAt(put));
     }
-    QVERIFY(zoneIs({ { "volume/value", "60" } }));
+    QVERIFY(zoneIs({ { "volume/value", "62" } }));
     QVERIFY(handleIsAt(put));
     QVERIFY(zoneIs({ { "volume/value", "20" } }));
     QVERIFY(handleIsAt(sliderPlace(0.25)));
@@ -482,11 +486,92 @@ void PlayingTest::volumeHandleStaysWhereItWasPut()
     QVERIFY(closeVolumeDialog());
 }
 
+void PlayingTest::volumeDragEndsWithItsZone_data()
+{
+    QTest::addColumn<QString>("wanted");
+    QTest::addColumn<QByteArray>("zones"); // the list that comes under the finger
+    QTest::addColumn<bool>("speaks");      // whether the new zone does before the finger goes on
+    const QByteArray before = R"([{"id":"z1","name":"Kitchen"},{"id":"z2","name":"Cellar"}])";
+    const QByteArray group = R"([{"id":"z2","name":"Kitchen + Cellar"}])";
+    const QByteArray anew = R"([{"id":"z2","name":"Kitchen"}])";
+    const QByteArray followed = R"([{"id":"z2","name":"Cellar + Kitchen"}])";
+    QTest::newRow("another is chosen") << "Cellar" << before << true;
+    QTest::newRow("another is chosen, silent") << "Cellar" << before << false;
+    QTest::newRow("a group is made") << "Kitchen" << group << true;
+    QTest::newRow("a group is listed") << "Kitchen" << group << false;
+    QTest::newRow("a group follows") << "Kitchen" << followed << true;
+    QTest::newRow("made anew under the same name") << "Kitchen" << anew << true;
+    QTest::newRow("listed anew under the same name") << "Kitchen" << anew << false;
+}
+
+void PlayingTest::volumeDragEndsWithItsZone()
+{
+    QFETCH(QString, wanted);
+    QFETCH(QByteArray, zones);
+    QFETCH(bool, speaks);
+    const Probe::Target player = Probe::Target::type("Player");
+    const QString newZone = "Velunor/Controller/remote_control/v4/roon/Zones/z2/";
+    const ZoneValues newValues { { "volume/available", "true" }, { "volume/value", "10" },
+        { "volume/hard_limit_min", "0" }, { "volume/soft_limit", "80" }, { "volume/step", "1" },
+        { "state", "playing" }, { "is_pause_allowed", "true" },
+        { "outputs", R"([{"display_name":"Kitchen"},{"display_name":"Cellar"}])" } };
+    QVERIFY(otherZoneIs("Cellar", newValues));
+    m_appliance.services.clear();
+    QVERIFY(openVolumeDialog());
+    QVERIFY(probe().press(sliderPlace(0.5)));
+    QVERIFY(probe().move(sliderPlace(0.6)));
+    QVERIFY(probe().move(sliderPlace(0.62)));
+    QTRY_VERIFY_WITH_TIMEOUT(!m_appliance.commands().isEmpty(), PatienceMs);
+    QVERIFY(probe().move(sliderPlace(0.75))); // a value that was not the last one sent
+    QVERIFY(m_appliance.services.waitFor(
+        CommandTopic, R"({"command":"set_volume","how":"absolute","value":60.0,"zone_id":"z1"})"));
+
+    QVERIFY(probe().setObjectProperty(player, "wantedZone", wanted));
+    m_appliance.publishZones(zones);
+    const auto speak = [&] {
+        for (const auto &value : newValues)
+            m_appliance.services.publish(newZone + value.first, value.second, true);
+        return m_appliance.handled();
+    };
+    QVERIFY(speaks ? speak() : m_appliance.handled());
+    m_appliance.services.clear();
+    QVERIFY(probe().move(sliderPlace(0.9)));
+    QVERIFY(probe().move(sliderPlace(0.8)));
+    QVERIFY(probe().release(sliderPlace(0.8)));
+    QVERIFY(m_appliance.handled());
+    QCOMPARE(m_appliance.commands(), QList<QByteArray>());
+
+    // The dialog is the new zone's from then on.
+    QVERIFY(speak());
+    const Probe::Target handle = Probe::Target("handle").inside("volumeSlider");
+    QVERIFY(std::fabs(probe().centre(handle).x() - sliderPlace(0.125).x()) < 1);
+    QVERIFY(probe().tap("volumeUp"));
+    QVERIFY(
+        onlyCommandIs(R"({"command":"set_volume","how":"relative","value":1.0,"zone_id":"z2"})"));
+    QVERIFY(closeVolumeDialog());
+}
+
+void PlayingTest::volumeDragOutlivesNewsOfOtherZones()
+{
+    QVERIFY(openVolumeDialog());
+    QVERIFY(probe().press(sliderPlace(0.5)));
+    QVERIFY(probe().move(sliderPlace(0.6)));
+    QVERIFY(probe().move(sliderPlace(0.7)));
+    QVERIFY(otherZoneIs("Cellar", { { "volume/available", "true" }, { "volume/value", "10" } }));
+    QVERIFY(otherZoneIs("Attic", { { "volume/soft_limit", "20" } }));
+    QVERIFY(zoneIs({ { "nowPlaying/song", "Next" }, { "volume/value", "45" } }));
+    m_appliance.services.clear();
+    QVERIFY(probe().release(sliderPlace(0.75)));
+    QVERIFY(
+        onlyCommandIs(R"({"command":"set_volume","how":"absolute","value":60.0,"zone_id":"z1"})"));
+    QVERIFY(closeVolumeDialog());
+}
+
 void PlayingTest::volumeDialogGoesWithTheVolume()
 {
     QVERIFY(openVolumeDialog());
     const QPointF from = sliderPlace(0.5);
-    const QPointF to = sliderPlace(0.75);
+    const QPointF to = sliderPlace(0.9);
     QVERIFY(probe().press(from));
     QVERIFY(probe().move((from + to) / 2));
     QVERIFY(probe().move(to));

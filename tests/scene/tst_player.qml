@@ -485,6 +485,23 @@ Item {
             dialog.close();
         }
 
+        function test_aVolumeDragEndsWithItsZone() {
+            tap(item("volumeBox"), 10, 10);
+            const dialog = item("volumeDialog");
+            tryCompare(dialog, "opened", true);
+            const slider = find(dialog, "volumeSlider");
+            const touch = drag(slider, 17, 20, slider.width / 2, 20, false);
+            tryVerify(function() { return Player.calls.length > 0; });
+            item("controlledZone").zoneId = "z2";
+            Player.calls = [];
+            touch.move(1, slider, slider.width - 17, 20).commit();
+            touch.release(1, slider, slider.width - 17, 20).commit();
+            compare(Player.calls, []);
+            tap(find(dialog, "volumeUp"));
+            compare(Player.calls, ["commandVolumeUp"]);
+            dialog.close();
+        }
+
         function test_zoneChooserSpeaksToThePlayer() {
             // 9 pixels beyond the name's box still count.
             tap(item("zoneName"), -9, 10);

@@ -16,7 +16,8 @@ Item {
         property var closeTimer: null
 
         function prepare() {
-            open({ volume: 30, limitMinVolume: 0, limitMaxVolume: 100, limitSoftVolume: 80, volumeStep: 1 });
+            open({ volume: 30, limitMinVolume: 0, limitMaxVolume: 100, limitSoftVolume: 80, volumeStep: 1,
+                   zoneId: "z1" });
         }
 
         function open(properties) {
@@ -462,6 +463,69 @@ Item {
             dialog.close();
             touch.release(1, top, 10, 10).commit();
             verify(!closeTimer.running);
+        }
+
+        function test_aDragEndsWithItsZone_data() {
+            return [ { tag: "released", moves: false }, { tag: "moved on", moves: true } ];
+        }
+
+        function test_aDragEndsWithItsZone(row) {
+            const touch = drag(slider, handleX(30), 21, handleX(60), 21, false);
+            tryVerify(function() { return moved.count > 0 && lastMoved() === 60; });
+            moved.clear();
+            dialog.zoneId = "z2";
+            dialog.volume = 10;
+            for (let i = 0; row.moves && i < 10; ++i) {
+                touch.move(1, slider, handleX(60) + i * 5, 21).commit();
+                wait(0);
+            }
+            touch.release(1, slider, handleX(65), 21).commit();
+            compare(moved.count, 0);
+            handleIsAt(10 / 80);
+            verify(closeTimer.running);
+            dialog.volume = 20;
+            handleIsAt(20 / 80);
+            // The next one is the new zone's.
+            tap(slider, handleX(50), 21);
+            compare(moved.count, 1);
+            tap(find(dialog, "volumeUp"));
+            compare(up.count, 1);
+        }
+
+        function test_aMouseDragEndsWithItsZone() {
+            mousePress(slider, handleX(30), 21);
+            mouseMove(slider, handleX(50), 21);
+            mouseMove(slider, handleX(60), 21);
+            verify(moved.count > 0);
+            moved.clear();
+            dialog.zoneId = "z2";
+            mouseMove(slider, handleX(65), 21);
+            mouseRelease(slider, handleX(65), 21);
+            compare(moved.count, 0);
+            handleIsAt(30 / 80);
+        }
+
+        function test_aPressEndsWithItsZone() {
+            const touch = touchEvent(slider);
+            touch.press(1, slider, handleX(60), 21).commit();
+            dialog.zoneId = "z2";
+            touch.release(1, slider, handleX(60), 21).commit();
+            compare(moved.count, 0);
+            handleIsAt(30 / 80);
+        }
+
+        function test_theWaitEndsWithItsZone_data() {
+            return [ { tag: "zone first", values: { zoneId: "z2", volume: 10 } },
+                     { tag: "volume first", values: { volume: 10, zoneId: "z2" } },
+                     { tag: "same volume", values: { zoneId: "z2" } } ];
+        }
+
+        function test_theWaitEndsWithItsZone(row) {
+            drag(slider, handleX(30), 21, handleX(60), 21);
+            handleIsAt(60 / 80);
+            for (const name in row.values)
+                dialog[name] = row.values[name];
+            handleIsAt(dialog.volume / 80);
         }
 
         function test_withoutAVolumeTheDialogCloses() {
