@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "coverpictures.h"
 #include "messages.h"
+#include "pixels.h"
 
 #include <QQmlEngine>
 #include <QQmlPropertyMap>
@@ -24,6 +25,7 @@ public slots:
     void applicationAvailable()
     {
         qmlRegisterSingletonInstance("SceneTest", 1, 0, "Messages", Messages::instance());
+        qmlRegisterSingletonInstance("SceneTest", 1, 0, "Pixels", Pixels::instance());
         // The blur is off, unlike in the program: the software backend that most tests use cannot
         // blur.
         registerFake("Velunor.Settings", "Settings",
