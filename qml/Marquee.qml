@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 import QtQuick 2.15
 import "."
+import "format.js" as Format
 
 /**
  * A line of text that runs through its box from right to left, again and again, when it is too long for it.
@@ -15,42 +16,44 @@ Item {
     property alias family: label.font.family
     property string text
     /** Milliseconds that one passage takes. */
-    property int scrollDuration: 200 * text.length
+    property int scrollDuration: 200 * Math.min(text.length, Format.longestText)
     property bool scrollingEnabled: true
-    readonly property bool scrolling: scrollingEnabled && visible && textWidth > width
-    readonly property int textWidth: Math.ceil(metrics.advanceWidth)
+    readonly property bool scrolling: scrollingEnabled && visible && label.implicitWidth > width
+    /** What the text takes with all that its glyphs reach beyond their places in the line. */
+    readonly property int textWidth: Math.ceil(label.implicitWidth)
+    /** How much of the passage is over, from 0 to 1. */
+    property real passed: 0
 
-    /** A change of text or size begins a new passage: a running animation would keep its old end points. */
-    function restart() {
-        passage.stop();
-        label.x = 0;
-        if (scrolling)
-            passage.start();
+    function beginAnew() {
+        if (passage.running)
+            passage.restart();
     }
 
     implicitHeight: label.implicitHeight
     height: implicitHeight
     clip: true
-    onScrollingChanged: restart()
-    onScrollDurationChanged: restart()
-    onTextChanged: restart()
-    onTextWidthChanged: restart()
-    onWidthChanged: restart()
+    onWidthChanged: beginAnew()
 
     PageText {
         id: label
 
         objectName: "label"
         anchors.verticalCenter: parent.verticalCenter
+        // An animation of the place itself would keep the ends with which it began: those of the text before, when a
+        // change handler begins it before all bindings have followed the change.
+        x: root.scrolling ? root.width - root.passed * (root.width + root.textWidth) : 0
         width: root.scrolling ? root.textWidth : root.width
+        // The first glyph may reach to the left of its place, where the box would cut it.
+        leftPadding: Math.max(0, -metrics.tightBoundingRect.x)
         color: root.textColor
         // Line breaks in a title would make it several lines high.
-        text: root.text.replace(/[\r\n\u2028\u2029]+/g, " ")
+        text: Format.beginning(root.text).replace(/[\r\n\u2028\u2029]+/g, " ")
         horizontalAlignment: Text.AlignLeft
         elide: root.scrolling ? Text.ElideNone : Text.ElideRight
+        onTextChanged: root.beginAnew()
+        onFontChanged: root.beginAnew()
     }
 
-    // An elided label does not tell how wide its whole text is.
     TextMetrics {
         id: metrics
 
@@ -62,11 +65,14 @@ Item {
         id: passage
 
         objectName: "passage"
-        target: label
-        property: "x"
-        from: root.width
-        to: -root.textWidth
+        target: root
+        property: "passed"
+        from: 0
+        to: 1
         duration: root.scrollDuration
         loops: Animation.Infinite
+        running: root.scrolling
+        // A running animation keeps its pace.
+        onDurationChanged: root.beginAnew()
     }
 }

@@ -29,3 +29,14 @@ function tenthNotBelow(limit) {
 function escaped(text) {
     return text.replace(/&/g, "&amp;").replace(/</g, "&lt;").replace(/>/g, "&gt;").replace(/"/g, "&quot;");
 }
+
+/** Of a text that is longer than this, only the beginning is laid out: a megabyte would take more than a second. */
+const longestText = 2000;
+
+/** The beginning of `text` that is laid out; a character that takes two places is not cut in the middle. */
+function beginning(text) {
+    if (text.length <= longestText)
+        return text;
+    const last = text.charCodeAt(longestText - 1);
+    return text.substring(0, last >= 0xd800 && last < 0xdc00 ? longestText - 1 : longestText);
+}
