@@ -13,15 +13,39 @@ PanelPopup {
 
     signal zoneSelected(string name)
 
+    /** Gives each zone its row.  Rows come and go at the end alone, so that the list keeps its place. */
+    function showZones() {
+        if (zones.length < rows.count)
+            zoneList.leaveRowsFrom(zones.length);
+        for (let i = 0; i < zones.length; ++i)
+            rows.set(i, { name: zones[i] });
+        zoneList.currentIndex = 0;
+    }
+
+    function select(name) {
+        // It was pressed before it went.
+        if (zones.indexOf(name) < 0)
+            return;
+        console.debug(name);
+        stopCloseTimer();
+        close();
+        zoneSelected(name);
+    }
+
     objectName: "zoneDialog"
     panelWidth: screenWidth - 100
     panelHeight: screenHeight - 100
     radius: 8
     border.width: 5
     border.color: Theme.accent
+    onZonesChanged: showZones()
     onAboutToShow: {
-        zoneList.currentIndex = 0;
         zoneList.positionViewAtBeginning();
+    }
+
+    // A list over the names themselves would begin at the top again with every change of them, and forget the finger.
+    ListModel {
+        id: rows
     }
 
     Rectangle {
@@ -44,10 +68,25 @@ PanelPopup {
         }
     }
 
-    ListView {
+    // A grid of one column: it knows the places of all rows, where a list estimates them from the rows that it has made.
+    GridView {
         id: zoneList
 
         readonly property real rowHeight: root.panelHeight / 8
+
+        /**
+         * Removes the rows from this one on.  A list that is left without any row on view would take its place for the
+         * beginning, so it goes to its new end before.
+         */
+        function leaveRowsFrom(first) {
+            if (contentY > Math.max(0, first * rowHeight - height)) {
+                // A finger that is still on it would take it away from there: disabled, the list lets go of it.
+                enabled = false;
+                enabled = true;
+                positionViewAtIndex(first - 1, GridView.End);
+            }
+            rows.remove(first, rows.count - first);
+        }
 
         objectName: "zoneList"
         anchors {
@@ -58,9 +97,13 @@ PanelPopup {
         }
         // Whole rows, so that none is cut while the list rests.
         height: Math.floor((parent.height - y - 10) / rowHeight) * rowHeight
-        snapMode: ListView.SnapToItem
+        snapMode: GridView.SnapToRow
+        // Rows that are made in advance, a bit at a time, could be gone before they are finished.
+        cacheBuffer: 0
         clip: true
-        model: root.zones
+        cellWidth: width
+        cellHeight: rowHeight
+        model: rows
         highlightMoveDuration: 0
         onMovementStarted: root.restartCloseTimer()
 
@@ -69,27 +112,12 @@ PanelPopup {
             color: Theme.listHighlight
         }
 
-        delegate: Item {
+        delegate: ZoneRow {
             width: zoneList.width
             height: zoneList.rowHeight
-
-            PageText {
-                anchors { fill: parent; leftMargin: 12; rightMargin: 12 }
-                color: Theme.popupText
-                elide: Text.ElideRight
-                font.pixelSize: root.panelHeight / 12
-                text: modelData
-            }
-
-            TouchArea {
-                onTouched: {
-                    const name = modelData;
-                    console.debug(name);
-                    root.stopCloseTimer();
-                    root.close();
-                    root.zoneSelected(name);
-                }
-            }
+            pixelSize: root.panelHeight / 12
+            name: model.name
+            onChosen: root.select(name)
         }
     }
 
