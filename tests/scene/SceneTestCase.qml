@@ -65,6 +65,32 @@ TestCase {
         return null;
     }
 
+    /** The colour that stands out most where the item lies on its page, as the page is on view; black is nothing. */
+    function colourOnView(page, item) {
+        const area = item.mapToItem(page, 0, 0, item.width, item.height);
+        return Pixels.brightest(Pixels.part(Pixels.grab(page), area));
+    }
+
+    /** Compares colours that went through the drawing, which rounds. */
+    function compareColour(found, expected, where) {
+        const wanted = Qt.darker(expected, 1);
+        const apart = Math.max(Math.abs(found.r - wanted.r), Math.abs(found.g - wanted.g), Math.abs(found.b - wanted.b));
+        verify(apart < 0.02, (where || "colour") + " is " + found + ", not " + wanted);
+    }
+
+    /** Whether the picture of this source, drawn in the same size and manner, looks as the item does. */
+    function looksLike(image, source) {
+        const other = Qt.createQmlObject("import QtQuick 2.15; Image {}", image.parent);
+        for (const name of ["width", "height", "sourceSize", "fillMode", "smooth", "cache"])
+            other[name] = image[name];
+        other.opacity = 0;
+        other.source = source;
+        tryCompare(other, "status", Image.Ready);
+        const same = Pixels.same(Pixels.grab(image), Pixels.grab(other));
+        other.destroy();
+        return same;
+    }
+
     function tap(item, x, y) {
         const px = x === undefined ? item.width / 2 : x;
         const py = y === undefined ? item.height / 2 : y;

@@ -5,6 +5,7 @@
 #include <QQuickItem>
 #include <QQuickItemGrabResult>
 #include <QSignalSpy>
+#include <QtMath>
 
 namespace {
 constexpr int FaintestAlpha = 50;
@@ -41,6 +42,28 @@ QRect Pixels::drawn(const QVariant &picture) const
 QColor Pixels::at(const QVariant &picture, int x, int y) const
 {
     return picture.value<QImage>().pixelColor(x, y);
+}
+
+QVariant Pixels::part(const QVariant &picture, const QRectF &area) const
+{
+    const QRect whole(QPoint(qCeil(area.left()), qCeil(area.top())),
+        QPoint(qFloor(area.right()) - 1, qFloor(area.bottom()) - 1));
+    return picture.value<QImage>().copy(whole);
+}
+
+QColor Pixels::brightest(const QVariant &picture) const
+{
+    const auto image = picture.value<QImage>();
+    QRgb found = qRgb(0, 0, 0);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb pixel = image.pixel(x, y);
+            if (qRed(pixel) + qGreen(pixel) + qBlue(pixel)
+                > qRed(found) + qGreen(found) + qBlue(found))
+                found = pixel;
+        }
+    }
+    return QColor(found);
 }
 
 bool Pixels::same(const QVariant &picture, const QVariant &other) const

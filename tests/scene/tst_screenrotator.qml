@@ -42,23 +42,35 @@ Item {
             const item = rotator();
             verify(!item.isSwapped);
             verify(!item.isRotated);
-            compare(item.rotation, 0);
-            compare(item.width, 800);
-            compare(item.height, 480);
+            compare(corners(item), [0, 0, 800, 480]);
         }
 
         function test_swappedSidesStayCentred() {
             const item = rotator({ isSwapped: true });
             compare(item.width, 480);
             compare(item.height, 800);
-            compare(item.x + item.width / 2, 400);
-            compare(item.y + item.height / 2, 240);
+            compare(corners(item), [160, -160, 640, 640]);
         }
 
-        function test_angleCountsOnlyWhenRotated() {
-            ScreenController.rotation = 180;
-            compare(rotator().rotation, 0);
-            compare(rotator({ isRotated: true }).rotation, 180);
+        function test_angleCountsOnlyWhenRotated_data() {
+            return [
+                { tag: "180", angle: 180, swapped: false, corners: [800, 480, 0, 0] },
+                { tag: "90", angle: 90, swapped: true, corners: [800, 0, 0, 480] },
+                { tag: "270", angle: 270, swapped: true, corners: [0, 480, 800, 0] }
+            ];
+        }
+
+        function test_angleCountsOnlyWhenRotated(row) {
+            ScreenController.rotation = row.angle;
+            compare(corners(rotator()), [0, 0, 800, 480]);
+            compare(corners(rotator({ isRotated: true, isSwapped: row.swapped })), row.corners);
+        }
+
+        /** Where the left upper and the right lower corner of the pages lie on the panel. */
+        function corners(item) {
+            const first = item.mapToItem(item.parent, 0, 0);
+            const last = item.mapToItem(item.parent, item.width, item.height);
+            return [first.x, first.y, last.x, last.y].map(Math.round);
         }
 
         function test_rotatedReportsItselfAndTakesTheWholeScreen() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 import QtQuick 2.15
 import QtTest 1.15
+import SceneTest 1.0
 import Velunor.Navigation 1.0
 
 Item {
@@ -23,7 +24,8 @@ Item {
             compare(page.objectName, "ScreenSaver");
             compare(page.width, 800);
             compare(page.height, 480);
-            verify(Qt.colorEqual(page.color, "#000000"));
+            compare(Pixels.drawn(Pixels.grab(page)), Qt.rect(0, 0, 800, 480));
+            compareColour(colourOnView(page, page), "#000000");
         }
 
         function test_aTouchAnywhereWakes_data() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 import QtQuick 2.15
 import QtTest 1.15
+import SceneTest 1.0
 import Velunor.Navigation 1.0
 import Velunor.Screen 1.0
 
@@ -52,8 +53,11 @@ Item {
             const picture = find(logo, "icon");
             tryCompare(picture, "status", Image.Ready);
             compare(picture.fillMode, Image.PreserveAspectFit);
-            compare(picture.paintedWidth, 384);
-            compare(picture.paintedHeight, 384);
+            // The logo fills a square from border to border, or almost.
+            const drawn = Pixels.drawn(Pixels.grab(logo));
+            verify(drawn.width > 300 && drawn.height > 300, String(drawn));
+            verify(looksLike(picture, "qrc:/images/Velunor_logo_v020-07.png"));
+            verify(colourOnView(page, picture).hsvValue > 0.5);
         }
 
         function test_textsStandInTheirBoxes_data() {
@@ -81,6 +85,8 @@ Item {
             fuzzyCompare(motto.x + motto.width / 2, 0.7 * row.width, 1);
             fuzzyCompare(motto.y + motto.height / 2, 0.4 * row.height, 1);
             verify(motto.contentWidth <= motto.width);
+            compareColour(colourOnView(page, greeting), "#ffffff");
+            compareColour(colourOnView(page, motto), "#a8a0a0");
             compare(motto.fontInfo.pixelSize, motto.font.pixelSize);
         }
 
