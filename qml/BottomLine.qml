@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 import QtQuick 2.15
 import "."
+import "format.js" as Format
 
 /** Time played, name of the zone, length of the track. */
 Item {
@@ -46,7 +47,7 @@ Item {
             maximumLineCount: 1
             font.pixelSize: root.zoneSize
             horizontalAlignment: Text.AlignHCenter
-            text: root.zone
+            text: Format.beginning(root.zone)
         }
 
         TouchArea {

@@ -16,7 +16,7 @@ NoticePage {
     objectName: "RoonZoneNotFound"
     title: qsTr("Zone Not Found")
     lines: [
-        qsTr("We're still waiting for Roon zone <b>%1</b> to appear...").arg(Format.escaped(Player.wantedZone)),
+        qsTr("We're still waiting for Roon zone <b>%1</b> to appear...").arg(Format.escaped(Format.beginning(Player.wantedZone))),
         qsTr("• Is the correct zone configured in <b>Velunor?</b>"),
         qsTr("• Is the zone enabled in <b>Roon</b>?"),
         qsTr("• Is your DAC turned on?")

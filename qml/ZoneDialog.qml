@@ -39,9 +39,7 @@ PanelPopup {
     border.width: 5
     border.color: Theme.accent
     onZonesChanged: showZones()
-    onAboutToShow: {
-        zoneList.positionViewAtBeginning();
-    }
+    onAboutToShow: zoneList.positionViewAtBeginning()
 
     // A list over the names themselves would begin at the top again with every change of them, and forget the finger.
     ListModel {

@@ -202,6 +202,11 @@ Item {
             verify(row.name.indexOf("<") < 0 || text(page, "addresses").text.indexOf(row.name) < 0);
         }
 
+        function test_aNameWithoutEndIsLaidOutInPart() {
+            Player.wantedZone = "0123456789".repeat(100000);
+            verify(text(open("RoonZoneNotFound"), "line0").text.length < 2100);
+        }
+
         function test_longNamesStayInTheirLine_data() {
             return [ { tag: "300 characters", name: "A zone with a name ".repeat(16).substring(0, 300) },
                      { tag: "300 without a blank", name: "x".repeat(300) },

@@ -427,6 +427,8 @@ Item {
             Player.zone = "Kitchen + Bath + Living Room + Bedroom + Hall";
             verify(item("zoneNameText").truncated);
             compare(item("zoneNameText").elide, Text.ElideRight);
+            Player.zone = "0123456789".repeat(100000);
+            compare(item("zoneNameText").text.length, 2000); // as much as is laid out
         }
 
         function test_progress_data() {
