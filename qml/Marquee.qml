@@ -18,9 +18,9 @@ Item {
     /** Milliseconds that one passage takes. */
     property int scrollDuration: 200 * Math.min(text.length, Format.longestText)
     property bool scrollingEnabled: true
-    readonly property bool scrolling: scrollingEnabled && visible && label.implicitWidth > width
+    readonly property bool scrolling: scrollingEnabled && visible && whole.implicitWidth > width
     /** What the text takes with all that its glyphs reach beyond their places in the line. */
-    readonly property int textWidth: Math.ceil(label.implicitWidth)
+    readonly property int textWidth: Math.ceil(whole.implicitWidth)
     /** How much of the passage is over, from 0 to 1. */
     property real passed: 0
 
@@ -43,8 +43,7 @@ Item {
         // change handler begins it before all bindings have followed the change.
         x: root.scrolling ? root.width - root.passed * (root.width + root.textWidth) : 0
         width: root.scrolling ? root.textWidth : root.width
-        // The first glyph may reach to the left of its place, where the box would cut it.
-        leftPadding: Math.max(0, -metrics.tightBoundingRect.x)
+        leftPadding: whole.leftPadding
         color: root.textColor
         // Line breaks in a title would make it several lines high.
         text: Format.beginning(root.text).replace(/[\r\n\u2028\u2029]+/g, " ")
@@ -52,6 +51,18 @@ Item {
         elide: root.scrolling ? Text.ElideNone : Text.ElideRight
         onTextChanged: root.beginAnew()
         onFontChanged: root.beginAnew()
+    }
+
+    // How wide the label is when nothing is cut off.  The label cannot be asked itself: it would tell in the middle of its
+    // layout, and would be cut off and not cut off by what follows from the answer, in either order.
+    PageText {
+        id: whole
+
+        // The first glyph may reach to the left of its place, where the box would cut it.
+        leftPadding: Math.max(0, -metrics.tightBoundingRect.x)
+        visible: false
+        font: label.font
+        text: label.text
     }
 
     TextMetrics {

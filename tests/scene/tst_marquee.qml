@@ -55,9 +55,18 @@ Item {
             return label.mapToItem(item, 0, 0).x;
         }
 
+        /** What runs is the whole text: no glyph is missing, and none has been put in its place. */
+        function verifyWholeTextRuns() {
+            wholeWidth();
+            free.color = label.color;
+            const whole = Pixels.drawn(Pixels.grab(free));
+            compare(Pixels.drawn(Pixels.grab(label)).width, whole.width, "the text that is drawn");
+        }
+
         /** Follows the text over whole passages: from the right edge, none of it on view, until it has left. */
         function verifyPassages() {
             fuzzyCompare(left(), item.width, stride, "the place where the passage begins");
+            verifyWholeTextRuns();
             watch.begin();
             const textWidth = wholeWidth();
             tryVerify(function() { return watch.passages > 0 && watch.leftmost + textWidth < stride; }, 20000,
