@@ -20,7 +20,7 @@ ApplianceLink::ApplianceLink(quint16 brokerPort, QObject *parent)
     m_client.setAutoKeepAlive(true);
     m_retry.setSingleShot(true);
     m_retry.setInterval(RetryMs);
-    connect(&m_retry, &QTimer::timeout, &m_client, &QMqttClient::connectToHost);
+    connect(&m_retry, &QTimer::timeout, this, &ApplianceLink::connectToBroker);
     connect(&m_client, &QMqttClient::connected, this, &ApplianceLink::becomeConnected);
     connect(&m_client, &QMqttClient::disconnected, this, &ApplianceLink::becomeDisconnected);
     connect(&m_client, &QMqttClient::messageReceived, this, &ApplianceLink::receive);

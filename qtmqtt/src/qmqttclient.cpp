@@ -20,13 +20,30 @@ QMqttSubscription *QMqttClient::subscribe(const QMqttTopicFilter &topic, quint8 
     return d->subscribe(topic, qos);
 }
 
+QMqttSubscription *QMqttClient::subscribe(
+    const QMqttTopicFilter &topic, const QMqttSubscriptionProperties &, quint8 qos)
+{
+    return d->subscribe(topic, qos);
+}
+
 void QMqttClient::unsubscribe(const QMqttTopicFilter &topic)
+{
+    d->unsubscribe(topic);
+}
+
+void QMqttClient::unsubscribe(const QMqttTopicFilter &topic, const QMqttUnsubscriptionProperties &)
 {
     d->unsubscribe(topic);
 }
 
 qint32 QMqttClient::publish(
     const QMqttTopicName &topic, const QByteArray &message, quint8 qos, bool retain)
+{
+    return d->publish(topic, message, qos, retain);
+}
+
+qint32 QMqttClient::publish(const QMqttTopicName &topic, const QMqttPublishProperties &,
+    const QByteArray &message, quint8 qos, bool retain)
 {
     return d->publish(topic, message, qos, retain);
 }
@@ -113,7 +130,22 @@ bool QMqttClient::autoKeepAlive() const
 
 void QMqttClient::connectToHost()
 {
-    d->connectToHost();
+    connectToHost(false, QString());
+}
+
+void QMqttClient::connectToHostEncrypted(const QString &sslPeerName)
+{
+    connectToHost(true, sslPeerName);
+}
+
+void QMqttClient::connectToHostEncrypted(const QSslConfiguration &)
+{
+    connectToHost(true, QString());
+}
+
+void QMqttClient::connectToHost(bool encrypted, const QString &)
+{
+    d->connectToHost(encrypted);
 }
 
 void QMqttClient::disconnectFromHost()

@@ -33,12 +33,14 @@ QMqttClientPrivate::~QMqttClientPrivate()
         m_connection->close();
 }
 
-void QMqttClientPrivate::connectToHost()
+void QMqttClientPrivate::connectToHost(bool encrypted)
 {
     if (m_state != QMqttClient::Disconnected)
         return;
     m_error = QMqttClient::NoError; // silently, as the module does
-    if (settings.hostname.isEmpty() || settings.port == 0) {
+    if (encrypted)
+        qCWarning(lcMqttConnection) << "Encrypted connections are not supported.";
+    if (encrypted || settings.hostname.isEmpty() || settings.port == 0) {
         setError(QMqttClient::TransportInvalid);
         return;
     }

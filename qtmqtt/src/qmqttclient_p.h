@@ -15,7 +15,7 @@ public:
     explicit QMqttClientPrivate(QMqttClient *client);
     ~QMqttClientPrivate();
 
-    void connectToHost();
+    void connectToHost(bool encrypted);
     void disconnectFromHost();
     QMqttSubscription *subscribe(const QMqttTopicFilter &filter, quint8 qos);
     void unsubscribe(const QMqttTopicFilter &filter);

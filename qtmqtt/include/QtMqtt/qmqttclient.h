@@ -2,9 +2,12 @@
 #pragma once
 
 #include "qmqttmessage.h"
+#include "qmqttpublishproperties.h"
 #include "qmqttsubscription.h"
+#include "qmqttsubscriptionproperties.h"
 #include "qmqtttopicfilter.h"
 #include "qmqtttopicname.h"
+#include "qmqttunsubscriptionproperties.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QObject>
@@ -12,6 +15,7 @@
 
 #include <memory>
 
+QT_FORWARD_DECLARE_CLASS(QSslConfiguration)
 class QMqttClientPrivate;
 
 /**
@@ -30,6 +34,9 @@ class QMqttClientPrivate;
  *
  * There is no automatic reconnection, and subscriptions are not repeated: an application does both.
  * The properties can be set while Disconnected; at other times a setter does nothing.
+ *
+ * The names that are overloaded are those that the Qt module overloads, so that a function whose
+ * address can be taken there can be taken here, and no other: use a lambda for connectToHost().
  */
 class QMqttClient : public QObject {
     Q_OBJECT
@@ -98,9 +105,15 @@ public:
      * the latter two also log a warning.
      */
     QMqttSubscription *subscribe(const QMqttTopicFilter &topic, quint8 qos = 0);
+    /** The same: before MQTT 5 there are no properties to send. */
+    QMqttSubscription *subscribe(const QMqttTopicFilter &topic,
+        const QMqttSubscriptionProperties &properties, quint8 qos = 0);
 
     /** Ends the subscription to exactly this filter; does nothing if there is none. */
     void unsubscribe(const QMqttTopicFilter &topic);
+    /** The same: before MQTT 5 there are no properties to send. */
+    void unsubscribe(
+        const QMqttTopicFilter &topic, const QMqttUnsubscriptionProperties &properties);
 
     /**
      * Sends a message and returns 0 at quality of service 0, otherwise its id (above 0), which
@@ -113,6 +126,9 @@ public:
      * When the connection is lost, messages not yet confirmed are dropped; none is sent again.
      */
     Q_INVOKABLE qint32 publish(const QMqttTopicName &topic,
+        const QByteArray &message = QByteArray(), quint8 qos = 0, bool retain = false);
+    /** The same: before MQTT 5 there are no properties to send. */
+    qint32 publish(const QMqttTopicName &topic, const QMqttPublishProperties &properties,
         const QByteArray &message = QByteArray(), quint8 qos = 0, bool retain = false);
 
     /** Always false: pings are sent by autoKeepAlive() only, and pingResponseReceived() is not
@@ -151,6 +167,13 @@ public:
      * Without a host name or port only errorChanged(TransportInvalid) is emitted, inside the call.
      */
     Q_INVOKABLE void connectToHost();
+
+    /**
+     * Encryption is not supported, and nothing is sent without it where it is asked for: a warning
+     * is logged, and errorChanged(TransportInvalid) is emitted inside the call.
+     */
+    void connectToHostEncrypted(const QString &sslPeerName = QString());
+    void connectToHostEncrypted(const QSslConfiguration &conf);
 
     /**
      * Leaves the broker: all that was published goes out first, then the state changes, inside the
@@ -213,6 +236,8 @@ public Q_SLOTS:
 
 private:
     Q_DISABLE_COPY(QMqttClient)
+    void connectToHost(bool encrypted, const QString &sslPeerName);
+
     std::unique_ptr<QMqttClientPrivate> d;
 };
 

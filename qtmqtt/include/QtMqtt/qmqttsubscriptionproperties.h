@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+/**
+ * What can be added to a subscription in MQTT 5.  Older protocols, the only ones spoken here, have
+ * no place for it, so that it holds nothing: it is here for the form of QMqttClient::subscribe()
+ * that takes it.
+ */
+class QMqttSubscriptionProperties { };
