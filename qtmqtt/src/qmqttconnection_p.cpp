@@ -30,10 +30,11 @@ constexpr int UnconfirmedLimit = 65535;
 /** The first byte of the only packet that may answer a request to connect. */
 constexpr quint8 ConnectAnswer = 0x20;
 
-// Patience with a broker that does not move while we leave.
+// Patience with a broker that does not move while we leave, and with one that moves all the time.
 constexpr int AnswerPatienceMs = 200;
 constexpr int WritePatienceMs = 2000;
 constexpr int CloseLimitMs = 5000;
+constexpr int FarewellLimitMs = 1000;
 
 QMqttClient::ClientError errorFromCode(int code)
 {
@@ -51,6 +52,23 @@ QMqttClient::ClientError errorFromCode(int code)
 QMqttConnection *connection(void *self)
 {
     return static_cast<QMqttConnection *>(self);
+}
+
+/**
+ * The events that are possible on the socket, waited for until one is or the time is up; 0 then.  A
+ * signal ends the system's wait, but not this one.
+ */
+short waitFor(int socket, short events, int patienceMs, const QDeadlineTimer &limit)
+{
+    if (limit.hasExpired()) // also for a socket on which something is possible all the time
+        return 0;
+    const QDeadlineTimer patience(std::min<qint64>(patienceMs, limit.remainingTime()));
+    pollfd waiting { socket, events, 0 };
+    int count = 0;
+    do {
+        count = poll(&waiting, 1, int(patience.remainingTime()));
+    } while (count < 0 && errno == EINTR);
+    return count > 0 ? waiting.revents : 0;
 }
 
 /** The text, or null where the library wants to see that there is none. */
@@ -322,44 +340,57 @@ void QMqttConnection::close()
     m_keepAliveTimer.stop();
     unwatchSocket();
 
-    // Closing a socket that still has something to read makes the kernel reset the connection, and
-    // the broker then loses what it has not read yet.  So the answers are awaited first, and after
-    // our farewell a second descriptor keeps the socket open until the broker has closed its side.
+    // First all that waits to be written, and the answers to it: once it has said farewell, the
+    // library takes whatever still comes in for a violation, and closes.
     mosquitto *const handle = m_handle.get();
     const QDeadlineTimer limit(CloseLimitMs);
-    while (!m_unconfirmed.isEmpty() && exchange(AnswerPatienceMs, limit)) { }
+    while (mosquitto_want_write(handle) || !m_unconfirmed.isEmpty()) {
+        if (!exchange(mosquitto_want_write(handle) ? WritePatienceMs : AnswerPatienceMs, limit))
+            break;
+    }
+    if (mosquitto_socket(handle) >= 0 && !mosquitto_want_write(handle))
+        sayFarewell();
+}
 
+/**
+ * Closing a socket that still has something to read makes the kernel reset the connection, and the
+ * broker then loses what it has not read yet.  So a second descriptor keeps the socket open until
+ * the broker has closed its side, and what comes in is thrown away there, unseen by the library.
+ */
+void QMqttConnection::sayFarewell()
+{
+    mosquitto *const handle = m_handle.get();
     const int socket = fcntl(mosquitto_socket(handle), F_DUPFD_CLOEXEC, 0);
-    mosquitto_disconnect(handle);
-    while (mosquitto_socket(handle) >= 0 && mosquitto_want_write(handle)
-        && exchange(WritePatienceMs, limit)) { }
     if (socket < 0)
         return;
-    if (mosquitto_socket(handle) < 0) {
-        shutdown(socket, SHUT_WR);
+    const QDeadlineTimer limit(FarewellLimitMs);
+    mosquitto_disconnect(handle);
+    for (bool ended = false; !ended;) {
+        const bool written = mosquitto_socket(handle) < 0; // the library closes its descriptor then
+        if (written)
+            shutdown(socket, SHUT_WR);
+        const short possible = written ? waitFor(socket, POLLIN, AnswerPatienceMs, limit)
+                                       : waitFor(socket, POLLIN | POLLOUT, FarewellLimitMs, limit);
         char discarded[4096];
-        pollfd waiting { socket, POLLIN, 0 };
-        while (!limit.hasExpired() && poll(&waiting, 1, AnswerPatienceMs) > 0
-            && ::read(socket, discarded, sizeof discarded) > 0) { }
+        ended = !possible
+            || ((possible & ~POLLOUT) && ::read(socket, discarded, sizeof discarded) <= 0);
+        if (possible & POLLOUT)
+            mosquitto_loop_write(handle, 1);
     }
     ::close(socket);
 }
 
-/** Waits until something can be read or written and does so.  False when nothing moved or all is
- * over. */
+/** Waits until something can be read or written and does so.  False when nothing moved, the time is
+ * up or all is over. */
 bool QMqttConnection::exchange(int patienceMs, const QDeadlineTimer &limit)
 {
     mosquitto *const handle = m_handle.get();
-    pollfd waiting { mosquitto_socket(handle), POLLIN, 0 };
-    if (mosquitto_want_write(handle))
-        waiting.events |= POLLOUT;
-    const int remainingMs = int(limit.remainingTime());
-    if (waiting.fd < 0 || poll(&waiting, 1, std::min(patienceMs, remainingMs)) <= 0)
-        return false;
-    int code = MOSQ_ERR_SUCCESS;
-    if (waiting.revents & POLLOUT)
+    const short wanted = mosquitto_want_write(handle) ? POLLIN | POLLOUT : POLLIN;
+    const short possible = waitFor(mosquitto_socket(handle), wanted, patienceMs, limit);
+    int code = possible ? MOSQ_ERR_SUCCESS : MOSQ_ERR_NO_CONN;
+    if (possible & POLLOUT)
         code = mosquitto_loop_write(handle, 1);
-    if (code == MOSQ_ERR_SUCCESS && (waiting.revents & ~POLLOUT))
+    if (code == MOSQ_ERR_SUCCESS && (possible & ~POLLOUT))
         code = mosquitto_loop_read(handle, 1);
     return code == MOSQ_ERR_SUCCESS;
 }

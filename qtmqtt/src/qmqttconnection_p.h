@@ -129,6 +129,7 @@ private:
     void keepAlive();
     void scheduleKeepAlive();
     bool answersInMqtt();
+    void sayFarewell();
     bool exchange(int patienceMs, const QDeadlineTimer &limit);
     void finishCall(int code);
     void post(Event event);
