@@ -141,6 +141,9 @@ bool QMqttConnection::createHandle()
         return false;
 
     mosquitto *const handle = m_handle.get();
+    // Packets are queued until we write them, also those that the library answers with: a write
+    // while it reads would undo what onLog() does.
+    mosquitto_threaded_set(handle, true);
     mosquitto_int_option(handle, MOSQ_OPT_PROTOCOL_VERSION, m_settings.protocolVersion);
     mosquitto_int_option(handle, MOSQ_OPT_SEND_MAXIMUM, UnconfirmedLimit);
     // Commands are small packets in a row; without this the second waits for the peer's delayed
@@ -161,6 +164,7 @@ bool QMqttConnection::createHandle()
     mosquitto_publish_callback_set(handle, &QMqttConnection::onPublish);
     mosquitto_subscribe_callback_set(handle, &QMqttConnection::onSubscribe);
     mosquitto_unsubscribe_callback_set(handle, &QMqttConnection::onUnsubscribe);
+    mosquitto_log_callback_set(handle, &QMqttConnection::onLog);
     return true;
 }
 
@@ -204,17 +208,10 @@ void QMqttConnection::unwatchSocket()
 
 void QMqttConnection::read()
 {
-    if (m_phase == Opening && !answersInMqtt()) {
-        finishCall(m_lossCode.value_or(MOSQ_ERR_PROTOCOL));
-        return;
-    }
-
-    // The library handles one packet per call and tells by errno only that there is no more.
     int code = MOSQ_ERR_SUCCESS;
-    for (int i = 0; i < PacketsPerTurn && code == MOSQ_ERR_SUCCESS; ++i) {
-        errno = 0;
-        code = mosquitto_loop_read(m_handle.get(), 1);
-        if (errno == EAGAIN || mosquitto_socket(m_handle.get()) < 0)
+    for (int i = 0; i < PacketsPerTurn; ++i) {
+        code = readPacket();
+        if (code != MOSQ_ERR_SUCCESS || !m_packetRead || m_phase == Over)
             break;
     }
 
@@ -228,18 +225,28 @@ void QMqttConnection::read()
     finishCall(code);
 }
 
-/** The library would take foreign bytes for the head of a long packet and wait for the rest of it.
+/**
+ * Reads one packet, or what there is of it; m_packetRead tells.  The library's own number of
+ * packets a call is as large as the number of messages that are unconfirmed; onLog() has it stop
+ * after one.
  */
-bool QMqttConnection::answersInMqtt()
+int QMqttConnection::readPacket()
 {
-    quint8 first = 0;
-    const ssize_t count
-        = recv(mosquitto_socket(m_handle.get()), &first, 1, MSG_PEEK | MSG_DONTWAIT);
-    if (count < 0 && errno != EAGAIN && errno != EINTR) {
-        m_lossCode = MOSQ_ERR_ERRNO; // looking took the error off the socket
-        return false;
+    mosquitto *const handle = m_handle.get();
+    if (m_phase == Opening) {
+        // The library would take foreign bytes for the head of a long packet and wait for its rest.
+        quint8 first = ConnectAnswer;
+        if (recv(mosquitto_socket(handle), &first, 1, MSG_PEEK | MSG_DONTWAIT) < 0
+            && errno != EAGAIN && errno != EINTR)
+            return MOSQ_ERR_ERRNO; // looking took the error off the socket
+        if (first != ConnectAnswer)
+            return MOSQ_ERR_PROTOCOL;
     }
-    return count <= 0 || first == ConnectAnswer;
+    m_packetRead = false;
+    m_reading = true;
+    const int code = mosquitto_loop_read(handle, 1);
+    m_reading = false;
+    return code;
 }
 
 void QMqttConnection::write()
@@ -391,7 +398,7 @@ bool QMqttConnection::exchange(int patienceMs, const QDeadlineTimer &limit)
     if (possible & POLLOUT)
         code = mosquitto_loop_write(handle, 1);
     if (code == MOSQ_ERR_SUCCESS && (possible & ~POLLOUT))
-        code = mosquitto_loop_read(handle, 1);
+        code = readPacket();
     return code == MOSQ_ERR_SUCCESS;
 }
 
@@ -476,4 +483,17 @@ void QMqttConnection::onSubscribe(mosquitto *, void *self, int id, int count, co
 void QMqttConnection::onUnsubscribe(mosquitto *, void *self, int id)
 {
     connection(self)->post(UnsubscribeAnswered { id });
+}
+
+/**
+ * The library logs each packet that it has read, before it handles it; what it says is not looked
+ * at. After a packet it goes on to the next one unless errno says that there is none.
+ */
+void QMqttConnection::onLog(mosquitto *, void *self, int, const char *)
+{
+    QMqttConnection *const q = connection(self);
+    if (!q->m_reading)
+        return;
+    q->m_packetRead = true;
+    errno = EAGAIN;
 }

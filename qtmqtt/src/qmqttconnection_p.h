@@ -119,16 +119,17 @@ private:
     static void onSubscribe(
         mosquitto *handle, void *self, int id, int count, const int *grantedQos);
     static void onUnsubscribe(mosquitto *handle, void *self, int id);
+    static void onLog(mosquitto *handle, void *self, int level, const char *text);
 
     bool createHandle();
     void tryNextAddress();
     void watchSocket();
     void unwatchSocket();
     void read();
+    int readPacket();
     void write();
     void keepAlive();
     void scheduleKeepAlive();
-    bool answersInMqtt();
     void sayFarewell();
     bool exchange(int patienceMs, const QDeadlineTimer &limit);
     void finishCall(int code);
@@ -146,6 +147,8 @@ private:
     QSocketNotifier *m_writeNotifier = nullptr;
     QTimer m_keepAliveTimer;
     std::optional<int> m_lossCode; // set between the loss and the end of the library's call
+    bool m_reading = false;        // while the library reads
+    bool m_packetRead = false;     // by its last call for reading
     QSet<int> m_unconfirmed;       // ids of messages the broker has not confirmed
     std::deque<Event> m_events;
     bool m_announced = false;

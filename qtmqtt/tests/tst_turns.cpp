@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fakebroker.h"
+#include "listener.h"
+#include "wirepeer.h"
+
+#include <QtCore/QTimer>
+#include <QtTest/QtTest>
+
+#include <algorithm>
+#include <functional>
+
+namespace {
+constexpr int PatienceMs = 20000;
+constexpr int PacketsPerTurn = 512;
+
+/** Counts what others, who wait for their turn in the event loop, see of a number that grows. */
+class Turns {
+public:
+    explicit Turns(std::function<int()> number)
+        : m_number(std::move(number))
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, [this] {
+            const int now = m_number();
+            m_steps += now > m_last ? 1 : 0;
+            m_largestStep = std::max(m_largestStep, now - m_last);
+            m_last = now;
+        });
+        m_timer.start(0);
+    }
+
+    int steps() const { return m_steps; }
+    int largestStep() const { return m_largestStep; }
+
+private:
+    std::function<int()> m_number;
+    QTimer m_timer;
+    int m_last = 0;
+    int m_steps = 0;
+    int m_largestStep = 0;
+};
+} // namespace
+
+/** However much there is to read, timers, touches and frames get their turn in between. */
+class TestTurns : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void messagesLeaveOthersTheirTurn_data();
+    void messagesLeaveOthersTheirTurn();
+    void confirmationsLeaveOthersTheirTurn();
+    void acknowledgedMessagesComeInBulk();
+};
+
+void TestTurns::messagesLeaveOthersTheirTurn_data()
+{
+    QTest::addColumn<int>("unconfirmed");
+    QTest::addColumn<int>("qos");
+    QTest::newRow("nothing unconfirmed") << 0 << 0;
+    QTest::newRow("few unconfirmed") << 20 << 1;
+    QTest::newRow("many unconfirmed") << 10000 << 1;
+    QTest::newRow("many unconfirmed, qos 2") << 5000 << 2;
+}
+
+void TestTurns::messagesLeaveOthersTheirTurn()
+{
+    QFETCH(int, unconfirmed);
+    QFETCH(int, qos);
+    constexpr int Count = 50000;
+    FakeBroker peer; // confirms nothing
+    Listener listener(peer.port());
+    for (int i = 0; i < unconfirmed; ++i)
+        QVERIFY(listener.client.publish(QLatin1String("t"), "x", quint8(qos)) > 0);
+    QTRY_COMPARE_WITH_TIMEOUT(peer.count(FakeBroker::Publish), unconfirmed, PatienceMs);
+
+    QByteArray backlog;
+    for (int i = 0; i < Count; ++i)
+        backlog += FakeBroker::message("t", QByteArray::number(i));
+    const Turns turns([&] { return listener.received.size(); });
+    peer.send(backlog);
+    QTRY_COMPARE_WITH_TIMEOUT(listener.received.size(), Count, PatienceMs);
+    for (int i = 0; i < Count; ++i)
+        QCOMPARE(listener.received.at(i).payload, QByteArray::number(i));
+    QVERIFY2(
+        turns.largestStep() <= PacketsPerTurn, qPrintable(QString::number(turns.largestStep())));
+}
+
+void TestTurns::confirmationsLeaveOthersTheirTurn()
+{
+    constexpr int Count = 5000;
+    QByteArray confirmations;
+    WirePeer peer([&](WirePeer &self) {
+        self.accept();
+        for (int i = 0; i < Count; ++i)
+            confirmations += QByteArray::fromHex("4002") + self.readPacket().mid(5, 2);
+        self.send(confirmations);
+        while (!self.readPacket().isEmpty()) { }
+    });
+    {
+        Listener listener(peer.port());
+        int confirmed = 0;
+        connect(&listener.client, &QMqttClient::messageSent, this, [&] { ++confirmed; });
+        for (int i = 0; i < Count; ++i)
+            QVERIFY(listener.client.publish(QLatin1String("t"), "x", 1) > 0);
+        const Turns turns([&] { return confirmed; });
+        QTRY_COMPARE_WITH_TIMEOUT(confirmed, Count, PatienceMs);
+        QVERIFY2(turns.largestStep() <= PacketsPerTurn,
+            qPrintable(QString::number(turns.largestStep())));
+    }
+}
+
+/** And the other way round: a turn is used, also after hundreds of packets were sent. */
+void TestTurns::acknowledgedMessagesComeInBulk()
+{
+    constexpr int Count = 5000;
+    FakeBroker peer;
+    Listener listener(peer.port());
+    QByteArray backlog;
+    for (int i = 1; i <= Count; ++i) {
+        backlog += QByteArray::fromHex("3206000174");
+        backlog += char(i >> 8);
+        backlog += char(i & 0xff);
+        backlog += 'x';
+    }
+    const Turns turns([&] { return listener.received.size(); });
+    peer.send(backlog);
+    QTRY_COMPARE_WITH_TIMEOUT(listener.received.size(), Count, PatienceMs);
+    QVERIFY2(turns.steps() < Count / 10, qPrintable(QString::number(turns.steps())));
+    QVERIFY(turns.largestStep() <= PacketsPerTurn);
+}
+
+QTEST_GUILESS_MAIN(TestTurns)
+#include "tst_turns.moc"
