@@ -27,8 +27,12 @@ constexpr int ShortestKeepAlive = 5; // seconds
 constexpr int KeepAliveMarginMs = 100;
 /** No limit on unconfirmed messages: the default of 20 would hold back the 21st. */
 constexpr int UnconfirmedLimit = 65535;
+/** In bytes; a packet has two of them for the length of a text. */
+constexpr int LongestText = 65535;
 /** The first byte of the only packet that may answer a request to connect. */
 constexpr quint8 ConnectAnswer = 0x20;
+/** The only flag of that packet; the others are reserved. */
+constexpr int SessionRestoredFlag = 1;
 
 // Patience with a broker that does not move while we leave, and with one that moves all the time.
 constexpr int AnswerPatienceMs = 200;
@@ -43,6 +47,7 @@ QMqttClient::ClientError errorFromCode(int code)
         return QMqttClient::ServerUnavailable;
     case MOSQ_ERR_PROTOCOL:
     case MOSQ_ERR_MALFORMED_PACKET:
+    case MOSQ_ERR_MALFORMED_UTF8:
         return QMqttClient::ProtocolViolation;
     default:
         return QMqttClient::TransportInvalid;
@@ -69,6 +74,13 @@ short waitFor(int socket, short events, int patienceMs, const QDeadlineTimer &li
         count = poll(&waiting, 1, int(patience.remainingTime()));
     } while (count < 0 && errno == EINTR);
     return count > 0 ? waiting.revents : 0;
+}
+
+/** Whether the library, for which a zero ends a text, would see all of it; and it fits into a
+ * packet. */
+bool isText(const QByteArray &text)
+{
+    return text.size() <= LongestText && !text.contains('\0');
 }
 
 /** The text, or null where the library wants to see that there is none. */
@@ -119,26 +131,28 @@ void QMqttConnection::useLookup(const QHostInfo &info)
 
 void QMqttConnection::open(const QList<QHostAddress> &addresses)
 {
-    if (createHandle()) {
+    const QMqttClient::ClientError error = createHandle();
+    if (error == QMqttClient::NoError) {
         m_addresses = addresses;
         tryNextAddress();
     } else {
-        // The protocol wants an id from a client whose session is to be remembered.
-        end(m_settings.clientId.isEmpty() ? QMqttClient::IdRejected
-                                          : QMqttClient::TransportInvalid);
+        end(error);
     }
     announce();
 }
 
-bool QMqttConnection::createHandle()
+/** Refuses settings that cannot be sent: without them it would be another connection. */
+QMqttClient::ClientError QMqttConnection::createHandle()
 {
     static const int initialised = mosquitto_lib_init();
     Q_UNUSED(initialised)
 
+    // The protocol wants an id from a client whose session is to be remembered.
     const QByteArray id = m_settings.clientId.toUtf8();
-    m_handle.reset(mosquitto_new(textOrNull(id), m_settings.cleanSession, this));
+    m_handle.reset(
+        isText(id) ? mosquitto_new(textOrNull(id), m_settings.cleanSession, this) : nullptr);
     if (!m_handle)
-        return false;
+        return QMqttClient::IdRejected;
 
     mosquitto *const handle = m_handle.get();
     // Packets are queued until we write them, also those that the library answers with: a write
@@ -149,15 +163,20 @@ bool QMqttConnection::createHandle()
     // Commands are small packets in a row; without this the second waits for the peer's delayed
     // ACK.
     mosquitto_int_option(handle, MOSQ_OPT_TCP_NODELAY, 1);
-    if (!m_settings.username.isEmpty()) {
-        mosquitto_username_pw_set(handle, m_settings.username.toUtf8().constData(),
-            textOrNull(m_settings.password.toUtf8()));
-    }
-    if (!m_settings.willTopic.isEmpty()) {
-        mosquitto_will_set(handle, m_settings.willTopic.toUtf8().constData(),
-            m_settings.willMessage.size(), m_settings.willMessage.constData(), m_settings.willQoS,
-            m_settings.willRetain);
-    }
+    const QByteArray username = m_settings.username.toUtf8();
+    const QByteArray password = m_settings.password.toUtf8();
+    if (!username.isEmpty()
+        && (!isText(username) || !isText(password)
+            || mosquitto_username_pw_set(handle, username.constData(), textOrNull(password))
+                != MOSQ_ERR_SUCCESS))
+        return QMqttClient::BadUsernameOrPassword;
+    const QByteArray willTopic = m_settings.willTopic.toUtf8();
+    if (!willTopic.isEmpty()
+        && (!isText(willTopic)
+            || mosquitto_will_set(handle, willTopic.constData(), m_settings.willMessage.size(),
+                   m_settings.willMessage.constData(), m_settings.willQoS, m_settings.willRetain)
+                != MOSQ_ERR_SUCCESS))
+        return QMqttClient::ProtocolViolation;
     mosquitto_connect_with_flags_callback_set(handle, &QMqttConnection::onConnect);
     mosquitto_disconnect_callback_set(handle, &QMqttConnection::onDisconnect);
     mosquitto_message_callback_set(handle, &QMqttConnection::onMessage);
@@ -165,7 +184,7 @@ bool QMqttConnection::createHandle()
     mosquitto_subscribe_callback_set(handle, &QMqttConnection::onSubscribe);
     mosquitto_unsubscribe_callback_set(handle, &QMqttConnection::onUnsubscribe);
     mosquitto_log_callback_set(handle, &QMqttConnection::onLog);
-    return true;
+    return QMqttClient::NoError;
 }
 
 void QMqttConnection::tryNextAddress()
@@ -436,13 +455,14 @@ void QMqttConnection::end(QMqttClient::ClientError error)
 void QMqttConnection::onConnect(mosquitto *, void *self, int code, int flags)
 {
     QMqttConnection *const q = connection(self);
-    if (code != MOSQ_ERR_SUCCESS) {
+    if (q->m_phase == Open || (flags & ~SessionRestoredFlag)) {
+        q->end(QMqttClient::ProtocolViolation);
+    } else if (code != MOSQ_ERR_SUCCESS) {
         q->end(QMqttClient::ClientError(code));
-        return;
-    }
-    q->post(Accepted { (flags & 1) != 0 });
-    if (q->m_phase == Opening)
+    } else if (q->m_phase == Opening) {
+        q->post(Accepted { (flags & SessionRestoredFlag) != 0 });
         q->m_phase = Open;
+    }
 }
 
 void QMqttConnection::onDisconnect(mosquitto *, void *self, int code)

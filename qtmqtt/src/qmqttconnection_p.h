@@ -121,7 +121,7 @@ private:
     static void onUnsubscribe(mosquitto *handle, void *self, int id);
     static void onLog(mosquitto *handle, void *self, int level, const char *text);
 
-    bool createHandle();
+    QMqttClient::ClientError createHandle();
     void tryNextAddress();
     void watchSocket();
     void unwatchSocket();

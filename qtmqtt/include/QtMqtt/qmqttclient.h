@@ -165,6 +165,9 @@ public:
      * in the background, for the keep-alive time at most (without a limit if that is 0 or off).
      *
      * Without a host name or port only errorChanged(TransportInvalid) is emitted, inside the call.
+     *
+     * Settings that cannot be sent as they are (control characters, a will for a filter) make the
+     * attempt fail, with IdRejected, BadUsernameOrPassword or ProtocolViolation.
      */
     Q_INVOKABLE void connectToHost();
 
