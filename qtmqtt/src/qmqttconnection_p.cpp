@@ -7,14 +7,16 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
+#include <cstdlib>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <mosquitto.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -74,6 +76,28 @@ short waitFor(int socket, short events, int patienceMs, const QDeadlineTimer &li
         count = poll(&waiting, 1, int(patience.remainingTime()));
     } while (count < 0 && errno == EINTR);
     return count > 0 ? waiting.revents : 0;
+}
+
+void keepFromChildren(int descriptor)
+{
+    fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+}
+
+/** The sockets that a child process would get.  Ours are to be none of them. */
+QSet<int> inheritableSockets()
+{
+    QSet<int> sockets;
+    DIR *const folder = opendir("/proc/self/fd");
+    while (const dirent *const entry = folder ? readdir(folder) : nullptr) {
+        const int descriptor = std::atoi(entry->d_name); // 0, which is no socket of ours, for "."
+        struct stat status = {};
+        if (fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode)
+            && !(fcntl(descriptor, F_GETFD) & FD_CLOEXEC))
+            sockets.insert(descriptor);
+    }
+    if (folder)
+        closedir(folder);
+    return sockets;
 }
 
 /** Whether the library, for which a zero ends a text, would see all of it; and it fits into a
@@ -149,10 +173,13 @@ QMqttClient::ClientError QMqttConnection::createHandle()
 
     // The protocol wants an id from a client whose session is to be remembered.
     const QByteArray id = m_settings.clientId.toUtf8();
+    const QSet<int> before = inheritableSockets();
     m_handle.reset(
         isText(id) ? mosquitto_new(textOrNull(id), m_settings.cleanSession, this) : nullptr);
     if (!m_handle)
         return QMqttClient::IdRejected;
+    for (const int socket : inheritableSockets() - before) // the pair by which it wakes up threads
+        keepFromChildren(socket);
 
     mosquitto *const handle = m_handle.get();
     // Packets are queued until we write them, also those that the library answers with: a write
@@ -195,6 +222,7 @@ void QMqttConnection::tryNextAddress()
             m_handle.get(), address.constData(), m_settings.port, keepAliveSeconds());
         m_lossCode.reset();
         if (code == MOSQ_ERR_SUCCESS) {
+            keepFromChildren(mosquitto_socket(m_handle.get()));
             watchSocket();
             if (m_settings.autoKeepAlive && m_settings.keepAlive > 0)
                 m_keepAliveTimer.start(keepAliveSeconds() * 1000 + KeepAliveMarginMs);
