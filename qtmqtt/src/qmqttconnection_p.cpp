@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "qmqttconnection_p.h"
 
-#include <QtCore/QDeadlineTimer>
 #include <QtCore/QSocketNotifier>
 #include <QtNetwork/QHostInfo>
 
@@ -121,11 +120,12 @@ void QMqttConnection::HandleDeleter::operator()(mosquitto *handle) const
 
 QMqttConnection::QMqttConnection(const Settings &settings)
     : m_settings(settings)
+    , m_limit(pings() ? keepAliveSeconds() * 1000 : -1) // -1: none
 {
     // Precise: a coarse timer may fire early, and then the ping would miss its turn.
-    m_keepAliveTimer.setTimerType(Qt::PreciseTimer);
-    m_keepAliveTimer.setSingleShot(true);
-    connect(&m_keepAliveTimer, &QTimer::timeout, this, &QMqttConnection::keepAlive);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    m_timer.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, &QMqttConnection::timeOut);
 }
 
 QMqttConnection::~QMqttConnection()
@@ -143,6 +143,7 @@ void QMqttConnection::open()
         open({ address });
         return;
     }
+    startTimer(1);
     // By the slot's name: a lookup that is aborted never frees a functor that it was given.
     m_lookup = QHostInfo::lookupHost(m_settings.hostname, this, SLOT(useLookup(QHostInfo)));
 }
@@ -155,13 +156,8 @@ void QMqttConnection::useLookup(const QHostInfo &info)
 
 void QMqttConnection::open(const QList<QHostAddress> &addresses)
 {
-    const QMqttClient::ClientError error = createHandle();
-    if (error == QMqttClient::NoError) {
-        m_addresses = addresses;
-        tryNextAddress();
-    } else {
-        end(error);
-    }
+    m_addresses = addresses;
+    tryNextAddress();
     announce();
 }
 
@@ -217,19 +213,45 @@ QMqttClient::ClientError QMqttConnection::createHandle()
 void QMqttConnection::tryNextAddress()
 {
     while (!m_addresses.isEmpty()) {
+        startTimer(m_addresses.size());
         const QByteArray address = m_addresses.takeFirst().toString().toLatin1();
+        // A new handle: the one before may hold the beginning of an answer.
+        const QMqttClient::ClientError error = createHandle();
+        if (error != QMqttClient::NoError) {
+            end(error);
+            return;
+        }
         const int code = mosquitto_connect_async(
             m_handle.get(), address.constData(), m_settings.port, keepAliveSeconds());
         m_lossCode.reset();
         if (code == MOSQ_ERR_SUCCESS) {
             keepFromChildren(mosquitto_socket(m_handle.get()));
             watchSocket();
-            if (m_settings.autoKeepAlive && m_settings.keepAlive > 0)
-                m_keepAliveTimer.start(keepAliveSeconds() * 1000 + KeepAliveMarginMs);
             return;
         }
     }
     end(QMqttClient::TransportInvalid);
+}
+
+/** Starts one of several steps, which have the rest of the attempt's time in equal parts. */
+void QMqttConnection::startTimer(int steps)
+{
+    if (!m_limit.isForever())
+        m_timer.start(int(m_limit.remainingTime()) / steps + KeepAliveMarginMs);
+}
+
+void QMqttConnection::timeOut()
+{
+    if (m_phase == Open) {
+        keepAlive();
+    } else if (m_lookup != -1) {
+        QHostInfo::abortHostLookup(m_lookup);
+        m_lookup = -1;
+        end(QMqttClient::TransportInvalid);
+        announce();
+    } else {
+        finishCall(MOSQ_ERR_KEEPALIVE);
+    }
 }
 
 void QMqttConnection::watchSocket()
@@ -255,6 +277,7 @@ void QMqttConnection::unwatchSocket()
 
 void QMqttConnection::read()
 {
+    const Phase before = m_phase;
     int code = MOSQ_ERR_SUCCESS;
     for (int i = 0; i < PacketsPerTurn; ++i) {
         code = readPacket();
@@ -269,6 +292,8 @@ void QMqttConnection::read()
         const int on = 1;
         setsockopt(socket, IPPROTO_TCP, TCP_QUICKACK, &on, sizeof on);
     }
+    if (before == Opening && m_phase == Open)
+        scheduleKeepAlive();
     finishCall(code);
 }
 
@@ -316,12 +341,19 @@ void QMqttConnection::keepAlive()
  */
 void QMqttConnection::scheduleKeepAlive()
 {
+    if (!pings())
+        return;
     const int intervalMs = keepAliveSeconds() * 1000;
     tcp_info info = {};
     socklen_t size = sizeof info;
     getsockopt(mosquitto_socket(m_handle.get()), IPPROTO_TCP, TCP_INFO, &info, &size);
     const int silentMs = int(std::min(info.tcpi_last_data_sent, quint32(intervalMs - 1000)));
-    m_keepAliveTimer.start(intervalMs + KeepAliveMarginMs - silentMs);
+    m_timer.start(intervalMs + KeepAliveMarginMs - silentMs);
+}
+
+bool QMqttConnection::pings() const
+{
+    return m_settings.autoKeepAlive && m_settings.keepAlive > 0;
 }
 
 int QMqttConnection::keepAliveSeconds() const
@@ -374,7 +406,7 @@ void QMqttConnection::finishCall(int code)
         if (m_lossCode) {
             unwatchSocket();
             const int loss = *m_lossCode;
-            if (m_phase == Opening && loss == MOSQ_ERR_ERRNO && !m_addresses.isEmpty())
+            if (m_phase == Opening && !m_addresses.isEmpty())
                 tryNextAddress();
             else
                 end(errorFromCode(loss));
@@ -391,7 +423,7 @@ void QMqttConnection::close()
         return;
     m_phase = Over;
     m_events.clear();
-    m_keepAliveTimer.stop();
+    m_timer.stop();
     unwatchSocket();
 
     // First all that waits to be written, and the answers to it: once it has said farewell, the
@@ -476,7 +508,7 @@ void QMqttConnection::end(QMqttClient::ClientError error)
 {
     post(Ended { error });
     m_phase = Over;
-    m_keepAliveTimer.stop();
+    m_timer.stop();
     unwatchSocket();
 }
 

@@ -4,6 +4,7 @@
 #include <QtMqtt/qmqttclient.h>
 
 #include <QtCore/QByteArray>
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QList>
 #include <QtCore/QObject>
 #include <QtCore/QSet>
@@ -16,7 +17,6 @@
 #include <optional>
 #include <variant>
 
-class QDeadlineTimer;
 class QHostInfo;
 class QSocketNotifier;
 struct mosquitto;
@@ -123,6 +123,8 @@ private:
 
     QMqttClient::ClientError createHandle();
     void tryNextAddress();
+    void startTimer(int steps);
+    void timeOut();
     void watchSocket();
     void unwatchSocket();
     void read();
@@ -136,6 +138,7 @@ private:
     void post(Event event);
     void announce();
     void end(QMqttClient::ClientError error);
+    bool pings() const;
     int keepAliveSeconds() const;
 
     const Settings m_settings;
@@ -145,7 +148,8 @@ private:
     std::unique_ptr<mosquitto, HandleDeleter> m_handle;
     QSocketNotifier *m_readNotifier = nullptr;
     QSocketNotifier *m_writeNotifier = nullptr;
-    QTimer m_keepAliveTimer;
+    const QDeadlineTimer m_limit;  // of the attempt
+    QTimer m_timer;                // while Opening for what takes too long, then for the keep-alive
     std::optional<int> m_lossCode; // set between the loss and the end of the library's call
     bool m_reading = false;        // while the library reads
     bool m_packetRead = false;     // by its last call for reading

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "address.h"
 #include "fakebroker.h"
-#include "qmqttconnection_p.h"
 #include "resolver.h"
 #include "signallog.h"
 #include "stubbornlistener.h"
@@ -82,10 +81,8 @@ private Q_SLOTS:
     void refusedConnection();
     void unknownHostName();
     void missingAddressFailsAtOnce();
-    void nextAddressIsTried();
     void slowPeerIsWaitedFor();
     void lateRefusalIsALoss();
-    void nextAddressIsTriedAfterALateRefusal();
     void secondCallWhileConnectingDoesNothing();
     void peerThatClosesFails_data();
     void peerThatClosesFails();
@@ -389,19 +386,6 @@ void TestConnection::missingAddressFailsAtOnce()
     QCOMPARE(client.state(), QMqttClient::Disconnected);
 }
 
-void TestConnection::nextAddressIsTried()
-{
-    QMqttConnection::Settings settings;
-    settings.port = m_broker.port();
-    QMqttConnection connection(settings);
-    QSignalSpy available(&connection, &QMqttConnection::eventsAvailable);
-    connection.open({ QHostAddress::LocalHostIPv6, QHostAddress("127.0.0.2"),
-        QHostAddress(QHostAddress::LocalHost) }); // the broker is at the last one only
-    QTRY_COMPARE(available.count(), 1);
-    QVERIFY(std::holds_alternative<QMqttConnection::Accepted>(connection.takeEvent()));
-    QVERIFY(!connection.hasEvents());
-}
-
 void TestConnection::slowPeerIsWaitedFor()
 {
     StubbornListener listener;
@@ -431,20 +415,6 @@ void TestConnection::lateRefusalIsALoss()
     QCOMPARE(log.take(), Attempt);
     listener.close();
     TRY_LOG(log, Loss);
-}
-
-void TestConnection::nextAddressIsTriedAfterALateRefusal()
-{
-    StubbornListener listener(QHostAddress("127.0.0.2"), m_broker.port());
-    QMqttConnection::Settings settings;
-    settings.port = m_broker.port();
-    QMqttConnection connection(settings);
-    QSignalSpy available(&connection, &QMqttConnection::eventsAvailable);
-    connection.open({ QHostAddress("127.0.0.2"), QHostAddress(QHostAddress::LocalHost) });
-    listener.close();
-    QTRY_COMPARE_WITH_TIMEOUT(available.count(), 1, PatienceMs);
-    QVERIFY(std::holds_alternative<QMqttConnection::Accepted>(connection.takeEvent()));
-    QVERIFY(!connection.hasEvents());
 }
 
 void TestConnection::secondCallWhileConnectingDoesNothing()

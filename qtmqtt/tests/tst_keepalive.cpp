@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "address.h"
 #include "fakebroker.h"
+#include "resolver.h"
 #include "signallog.h"
 #include "testbroker.h"
 
@@ -49,6 +50,7 @@ private Q_SLOTS:
     void idleClientDoesNotWakeUp();
     void silentBrokerIsGivenUp();
     void unansweredConnectRequestIsGivenUp();
+    void unansweredLookupIsGivenUp();
     void busyAndIdleClientsAreKept();
     void pingsCanBeSwitchedOff();
 };
@@ -102,6 +104,31 @@ void TestKeepAlive::unansweredConnectRequestIsGivenUp()
     QCOMPARE(log.entries(),
         (QStringList { "stateChanged(Connecting)", "stateChanged(Disconnected)", "disconnected",
             "errorChanged(ServerUnavailable)" }));
+}
+
+void TestKeepAlive::unansweredLookupIsGivenUp()
+{
+    Resolver resolver("unanswered.test", "127.0.0.1");
+    FakeBroker peer;
+    QMqttClient client;
+    aim(&client, peer.port());
+    client.setHostname("unanswered.test");
+    client.setKeepAlive(ShortestKeepAlive);
+    SignalLog log(&client);
+    client.connectToHost();
+    QTRY_VERIFY(resolver.isAsked());
+    const QStringList expected { "stateChanged(Connecting)", "stateChanged(Disconnected)",
+        "disconnected", "errorChanged(TransportInvalid)" };
+    QTRY_COMPARE_WITH_TIMEOUT(log.entries(), expected, PatienceMs);
+    resolver.release();
+    // The late answer is not used: the first to call is another client.
+    QMqttClient other;
+    aim(&other, peer.port());
+    other.setHostname("unanswered.test");
+    other.connectToHost();
+    QTRY_COMPARE(other.state(), QMqttClient::Connected);
+    QCOMPARE(peer.connections(), 1);
+    QCOMPARE(log.entries(), expected);
 }
 
 void TestKeepAlive::busyAndIdleClientsAreKept()

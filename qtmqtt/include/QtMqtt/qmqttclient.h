@@ -135,8 +135,8 @@ public:
      * emitted. */
     bool requestPing();
 
-    /** Name or address of the broker.  A name may have several addresses; they are tried in order.
-     */
+    /** Name or address of the broker.  A name may have several addresses; they are tried in order,
+     * until one of them answers as a broker does. */
     QString hostname() const;
     /** 1 to 65535; 0 until set. */
     quint16 port() const;
