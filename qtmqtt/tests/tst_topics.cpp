@@ -172,6 +172,10 @@ void TestTopics::filterValidity_data()
     QTest::newRow("zero") << QString("a") + QChar(QChar::Null) << false;
     QTest::newRow("longest") << QString(65535, 'x') << true;
     QTest::newRow("too long") << QString(65536, 'x') << false;
+    QTest::newRow("longest, in more bytes") << QString(65535, QChar(0xfc)) << true;
+    QTest::newRow("accents and wildcards") << u8"k\u00fcche/+/\u65e5/#" << true;
+    QTest::newRow("wildcard behind an accent") << u8"k\u00fc+" << false;
+    QTest::newRow("200 slashes") << QString(200, '/') << true;
 }
 
 void TestTopics::filterValidity()
@@ -242,6 +246,10 @@ void TestTopics::filterMatches_data()
     row("$SYS/+", "$SYS/x", true, true);
     row("$share/g/a/#", "a/b", true, true);
     row("$share/g/#", "$SYS/x", true, false);
+    row("$share/g//a", "/a", true, true);
+    row("$share/g/+", "a", true, true);
+    row("\u00fc/+/#", "\u00fc/\u65e5", true, true);
+    row("\u00fc", "u", false, false);
     row("a/b#", "a/b#", false, false);
     row("#", "a/+", false, false);
     row("#", "", false, false);

@@ -39,7 +39,8 @@ public:
 
     /**
      * True for 1 to 65535 characters without U+0000 in which each wildcard fills its level and "#"
-     * is the last one.  A shared subscription needs a group and a filter.
+     * is the last one, and with no more than 200 slashes, which is all that can be sent.  A shared
+     * subscription needs a group and a filter.
      */
     bool isValid() const;
 
