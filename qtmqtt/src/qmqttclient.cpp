@@ -50,7 +50,7 @@ qint32 QMqttClient::publish(const QMqttTopicName &topic, const QMqttPublishPrope
 
 bool QMqttClient::requestPing()
 {
-    return false;
+    return d->requestPing();
 }
 
 QString QMqttClient::hostname() const

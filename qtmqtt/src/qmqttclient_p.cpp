@@ -122,6 +122,12 @@ qint32 QMqttClientPrivate::publish(
     return m_connection->publish(topic.name(), message, qos, retain);
 }
 
+bool QMqttClientPrivate::requestPing()
+{
+    return m_state == QMqttClient::Connected && m_connection && !settings.autoKeepAlive
+        && m_connection->requestPing();
+}
+
 void QMqttClientPrivate::enter(QMqttClient::ClientState state, QMqttClient::ClientError error)
 {
     const QPointer<QMqttClient> alive(q);
@@ -208,7 +214,12 @@ void QMqttClientPrivate::handle(const QMqttConnection::MessageArrived &event)
 
 void QMqttClientPrivate::handle(const QMqttConnection::PublishConfirmed &event)
 {
-    emit q->messageSent(event.id);
+    const QPointer<QMqttClient> alive(q);
+    const quint64 transition = m_transitions;
+    emit q->messageStatusChanged(event.id,
+        event.qos == 1 ? QMqtt::MessageStatus::Acknowledged : QMqtt::MessageStatus::Completed, {});
+    if (alive && m_transitions == transition)
+        emit q->messageSent(event.id);
 }
 
 void QMqttClientPrivate::handle(const QMqttConnection::SubscribeAnswered &event)
@@ -233,6 +244,11 @@ void QMqttClientPrivate::handle(const QMqttConnection::UnsubscribeAnswered &even
 {
     if (const Subscription subscription = m_unanswered.take(event.id))
         subscription->setState(QMqttSubscription::Unsubscribed);
+}
+
+void QMqttClientPrivate::handle(const QMqttConnection::PingAnswered &)
+{
+    emit q->pingResponseReceived();
 }
 
 void QMqttClientPrivate::handle(const QMqttConnection::Ended &event)

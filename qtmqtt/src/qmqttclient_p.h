@@ -21,6 +21,8 @@ public:
     void unsubscribe(const QMqttTopicFilter &filter);
     qint32 publish(const QMqttTopicName &topic, const QByteArray &message, quint8 qos, bool retain);
 
+    bool requestPing();
+
     QMqttClient::ClientState state() const { return m_state; }
     QMqttClient::ClientError error() const { return m_error; }
 
@@ -52,6 +54,7 @@ private:
     void handle(const QMqttConnection::PublishConfirmed &event);
     void handle(const QMqttConnection::SubscribeAnswered &event);
     void handle(const QMqttConnection::UnsubscribeAnswered &event);
+    void handle(const QMqttConnection::PingAnswered &event);
     void handle(const QMqttConnection::Ended &event);
     void finish(QMqttClient::ClientError error);
     void forget(const QMqttSubscription *subscription);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "qmqttconnection_p.h"
 
+#include <QtCore/QSet>
 #include <QtCore/QSocketNotifier>
 #include <QtNetwork/QHostInfo>
 
@@ -32,7 +33,12 @@ constexpr int UnconfirmedLimit = 65535;
 constexpr int LongestText = 65535;
 /** The first byte of the only packet that may answer a request to connect. */
 constexpr quint8 ConnectAnswer = 0x20;
-/** The only flag of that packet; the others are reserved. */
+/** Head of the answer to a ping, and the whole request. */
+constexpr quint8 PingAnswer = 0xd0;
+constexpr quint8 PingRequest[] = { 0xc0, 0 };
+/** In the head of a message. */
+constexpr quint8 RepeatedFlag = 0x08;
+/** The only flag of an acceptance; the others are reserved. */
 constexpr int SessionRestoredFlag = 1;
 
 // Patience with a broker that does not move while we leave, and with one that moves all the time.
@@ -224,6 +230,7 @@ void QMqttConnection::tryNextAddress()
         const int code = mosquitto_connect_async(
             m_handle.get(), address.constData(), m_settings.port, keepAliveSeconds());
         m_lossCode.reset();
+        m_betweenPackets = true;
         if (code == MOSQ_ERR_SUCCESS) {
             keepFromChildren(mosquitto_socket(m_handle.get()));
             watchSocket();
@@ -304,26 +311,47 @@ void QMqttConnection::read()
  */
 int QMqttConnection::readPacket()
 {
-    mosquitto *const handle = m_handle.get();
-    if (m_phase == Opening) {
+    m_packetRead = false;
+    if (m_betweenPackets) {
+        const ssize_t count
+            = recv(mosquitto_socket(m_handle.get()), &m_head, 1, MSG_PEEK | MSG_DONTWAIT);
+        if (count < 0) // looking takes the error off the socket
+            return errno == EAGAIN || errno == EINTR ? MOSQ_ERR_SUCCESS : MOSQ_ERR_ERRNO;
         // The library would take foreign bytes for the head of a long packet and wait for its rest.
-        quint8 first = ConnectAnswer;
-        if (recv(mosquitto_socket(handle), &first, 1, MSG_PEEK | MSG_DONTWAIT) < 0
-            && errno != EAGAIN && errno != EINTR)
-            return MOSQ_ERR_ERRNO; // looking took the error off the socket
-        if (first != ConnectAnswer)
+        if (count > 0 && m_phase == Opening && m_head != ConnectAnswer)
             return MOSQ_ERR_PROTOCOL;
     }
-    m_packetRead = false;
     m_reading = true;
-    const int code = mosquitto_loop_read(handle, 1);
+    const int code = mosquitto_loop_read(m_handle.get(), 1);
     m_reading = false;
+    m_betweenPackets = m_packetRead;
+    if (m_packetRead && code == MOSQ_ERR_SUCCESS && m_head == PingAnswer)
+        post(PingAnswered {});
     return code;
 }
 
 void QMqttConnection::write()
 {
     finishCall(mosquitto_loop_write(m_handle.get(), 1));
+}
+
+/** The library pings by its own clock only. */
+bool QMqttConnection::requestPing()
+{
+    if (m_phase != Open)
+        return false;
+    m_pingWanted = true;
+    finishCall(MOSQ_ERR_SUCCESS);
+    return true;
+}
+
+/** To be called between packets of the library's.  The kernel takes two bytes whole or not at all.
+ */
+void QMqttConnection::ping()
+{
+    const ssize_t count = send(mosquitto_socket(m_handle.get()), PingRequest, sizeof PingRequest,
+        MSG_DONTWAIT | MSG_NOSIGNAL);
+    m_pingWanted = count < 0 && (errno == EAGAIN || errno == EINTR);
 }
 
 void QMqttConnection::keepAlive()
@@ -370,7 +398,7 @@ int QMqttConnection::publish(
     const int code = mosquitto_publish(m_handle.get(), &id, topic.toUtf8().constData(),
         payload.size(), payload.constData(), qos, retain);
     if (code == MOSQ_ERR_SUCCESS && qos > 0)
-        m_unconfirmed.insert(id);
+        m_unconfirmed.insert(id, qos);
     finishCall(MOSQ_ERR_SUCCESS); // a loss is noticed when reading
     if (code != MOSQ_ERR_SUCCESS)
         return -1;
@@ -411,7 +439,9 @@ void QMqttConnection::finishCall(int code)
             else
                 end(errorFromCode(loss));
         } else {
-            m_writeNotifier->setEnabled(mosquitto_want_write(m_handle.get()));
+            if (m_pingWanted && !mosquitto_want_write(m_handle.get()))
+                ping();
+            m_writeNotifier->setEnabled(m_pingWanted || mosquitto_want_write(m_handle.get()));
         }
     }
     announce();
@@ -544,14 +574,15 @@ void QMqttConnection::onMessage(mosquitto *, void *self, const mosquitto_message
     copy.m_id = quint16(message->qos > 0 ? message->mid : 0);
     copy.m_qos = quint8(message->qos);
     copy.m_retain = message->retain;
+    copy.m_duplicate = connection(self)->m_head & RepeatedFlag; // the library does not tell
     connection(self)->post(MessageArrived { std::move(copy) });
 }
 
 void QMqttConnection::onPublish(mosquitto *, void *self, int id)
 {
     // Messages at quality of service 0 get here too, with an id that nobody was told.
-    if (connection(self)->m_unconfirmed.remove(id))
-        connection(self)->post(PublishConfirmed { id });
+    if (const quint8 qos = connection(self)->m_unconfirmed.take(id))
+        connection(self)->post(PublishConfirmed { id, qos });
 }
 
 void QMqttConnection::onSubscribe(mosquitto *, void *self, int id, int count, const int *grantedQos)

@@ -7,7 +7,7 @@
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QList>
 #include <QtCore/QObject>
-#include <QtCore/QSet>
+#include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtCore/QTimer>
 #include <QtNetwork/QHostAddress>
@@ -58,6 +58,7 @@ public:
     };
     struct PublishConfirmed {
         int id;
+        quint8 qos;
     };
     struct SubscribeAnswered {
         int id;
@@ -66,12 +67,13 @@ public:
     struct UnsubscribeAnswered {
         int id;
     };
+    struct PingAnswered { };
     /** The attempt failed or the connection is lost.  Always the last event. */
     struct Ended {
         QMqttClient::ClientError error;
     };
     using Event = std::variant<Accepted, MessageArrived, PublishConfirmed, SubscribeAnswered,
-        UnsubscribeAnswered, Ended>;
+        UnsubscribeAnswered, PingAnswered, Ended>;
 
     explicit QMqttConnection(const Settings &settings);
     /** Closes the network connection, if need be without a word to the broker. */
@@ -94,6 +96,9 @@ public:
     int subscribe(const QString &filter, quint8 qos);
     /** The id under which the answer will come; -1 if the request was not taken. */
     int unsubscribe(const QString &filter);
+
+    /** Sends a ping as soon as what is being sent is written; false if there is no connection. */
+    bool requestPing();
 
     bool hasEvents() const { return !m_events.empty(); }
     /** The oldest event, taken off the queue, which must not be empty. */
@@ -130,6 +135,7 @@ private:
     void read();
     int readPacket();
     void write();
+    void ping();
     void keepAlive();
     void scheduleKeepAlive();
     void sayFarewell();
@@ -152,8 +158,11 @@ private:
     QTimer m_timer;                // while Opening for what takes too long, then for the keep-alive
     std::optional<int> m_lossCode; // set between the loss and the end of the library's call
     bool m_reading = false;        // while the library reads
-    bool m_packetRead = false;     // by its last call for reading
-    QSet<int> m_unconfirmed;       // ids of messages the broker has not confirmed
+    bool m_packetRead = false;     // by its last call for reading, to the end
+    bool m_betweenPackets = true;  // otherwise a part of one has been read
+    quint8 m_head = 0;             // first byte of the packet that is read
+    QHash<int, quint8> m_unconfirmed; // ids and qualities of messages the broker has not confirmed
+    bool m_pingWanted = false;
     std::deque<Event> m_events;
     bool m_announced = false;
 };

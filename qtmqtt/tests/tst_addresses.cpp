@@ -49,6 +49,7 @@ private Q_SLOTS:
     void whoeverDoesNotAcceptIsSkipped();
     void refusalInMqttIsAnAnswer();
     void lastErrorCounts();
+    void halfAnAnswerIsForgotten();
     void silentOnesShareTheTime();
     void noneIsAFailure();
 
@@ -145,6 +146,23 @@ void TestAddresses::lastErrorCounts()
     QMqttConnection second(m_settings);
     second.open({ Second, First });
     QCOMPARE(errorOf(outcome(&second)), QMqttClient::TransportInvalid);
+}
+
+void TestAddresses::halfAnAnswerIsForgotten()
+{
+    FakeBroker peer;
+    peer.setAnswer("HTTP");
+    QTcpServer other;
+    QVERIFY(other.listen(First, peer.port()));
+    connect(&other, &QTcpServer::newConnection, this, [&] {
+        QTcpSocket *const socket = other.nextPendingConnection();
+        socket->write(FakeBroker::acceptance().left(2));
+        socket->disconnectFromHost();
+    });
+    m_settings.port = peer.port();
+    QMqttConnection connection(m_settings);
+    connection.open({ First, Second });
+    QCOMPARE(errorOf(outcome(&connection)), QMqttClient::ProtocolViolation);
 }
 
 void TestAddresses::silentOnesShareTheTime()

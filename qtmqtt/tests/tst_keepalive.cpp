@@ -172,7 +172,6 @@ void TestKeepAlive::pingsCanBeSwitchedOff()
     for (QMqttClient *client : { &noInterval, &notAutomatic, &pinging }) {
         client->connectToHost(); // the pinging one last: pings of the others would come earlier
         QTRY_COMPARE(client->state(), QMqttClient::Connected);
-        QVERIFY(!client->requestPing());
     }
     QTRY_COMPARE_WITH_TIMEOUT(other.count(FakeBroker::PingRequest), 1, PatienceMs);
     QCOMPARE(peer.count(FakeBroker::PingRequest), 0);

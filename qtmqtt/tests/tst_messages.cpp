@@ -31,6 +31,8 @@ private Q_SLOTS:
     void publishReturnValue();
     void publishNeedsAConnection();
     void confirmedMessageIsReportedOnce();
+    void confirmationTellsTheStatus_data();
+    void confirmationTellsTheStatus();
     void manyUnconfirmedMessagesAreAllSent();
     void unconfirmedMessageIsNotSentAgain();
     void publishingOnADeadLinkIsHarmless();
@@ -43,6 +45,8 @@ private Q_SLOTS:
     void messageInPiecesIsAssembled();
     void largePayloadsGoBothWays();
     void messageTellsItsProperties();
+    void repeatedDeliveryIsMarked_data();
+    void repeatedDeliveryIsMarked();
     void backlogArrivesCompleteAndInOrder();
     void backlogLeavesOthersTheirTurn();
     void nothingIsLostOnLeaving_data();
@@ -134,6 +138,29 @@ void TestMessages::confirmedMessageIsReportedOnce()
     for (const QVariantList &arguments : sent)
         QVERIFY(ids.remove(arguments.at(0).toInt()));
     QTRY_COMPARE(listener.received.size(), 6);
+}
+
+void TestMessages::confirmationTellsTheStatus_data()
+{
+    QTest::addColumn<int>("qos");
+    QTest::addColumn<QMqtt::MessageStatus>("status");
+    QTest::newRow("qos 1") << 1 << QMqtt::MessageStatus::Acknowledged;
+    QTest::newRow("qos 2") << 2 << QMqtt::MessageStatus::Completed;
+}
+
+void TestMessages::confirmationTellsTheStatus()
+{
+    QFETCH(int, qos);
+    QFETCH(QMqtt::MessageStatus, status);
+    Listener listener(m_broker.port());
+    QSignalSpy changes(&listener.client, &QMqttClient::messageStatusChanged);
+    QSignalSpy sent(&listener.client, &QMqttClient::messageSent);
+    listener.client.publish(QLatin1String("a"), "x", 0); // is not confirmed
+    const qint32 id = listener.client.publish(QLatin1String("a"), "x", quint8(qos));
+    QTRY_COMPARE(sent.count(), 1);
+    QVERIFY(!changes.isEmpty());
+    QCOMPARE(changes.constLast().at(0).toInt(), id);
+    QCOMPARE(changes.constLast().at(1).value<QMqtt::MessageStatus>(), status);
 }
 
 void TestMessages::manyUnconfirmedMessagesAreAllSent()
@@ -291,6 +318,42 @@ void TestMessages::messageTellsItsProperties()
     QVERIFY(messages.at(1) != messages.at(2));
     QCOMPARE(messages.at(2), QMqttMessage(messages.at(2)));
     listener.client.publish(QLatin1String("properties"), QByteArray(), 0, true);
+}
+
+void TestMessages::repeatedDeliveryIsMarked_data()
+{
+    QTest::addColumn<int>("unconfirmed"); // messages of ours; the library then reads otherwise
+    QTest::addColumn<bool>("byteWise");
+    QTest::newRow("at once") << 0 << false;
+    QTest::newRow("byte by byte") << 0 << true;
+    QTest::newRow("at once, unconfirmed messages") << 10 << false;
+    QTest::newRow("byte by byte, unconfirmed messages") << 10 << true;
+}
+
+void TestMessages::repeatedDeliveryIsMarked()
+{
+    QFETCH(int, unconfirmed);
+    QFETCH(bool, byteWise);
+    FakeBroker peer;
+    Listener listener(peer.port());
+    QMqttSubscription *const subscription = listener.client.subscribe(QLatin1String("t"), 1);
+    QStringList order;
+    connect(
+        subscription, &QMqttSubscription::messageReceived, this, [&](const QMqttMessage &message) {
+            order += message.payload() + (message.duplicate() ? " again" : "");
+        });
+    for (int i = 0; i < unconfirmed; ++i)
+        listener.client.publish(QLatin1String("a"), "x", 1);
+    QTRY_COMPARE(peer.count(FakeBroker::Publish), unconfirmed);
+    const QByteArray first = QByteArray::fromHex("320600017400") + "\1a";
+    const QByteArray again = QByteArray::fromHex("3a0600017400") + "\1b";
+    const QByteArray kept = QByteArray::fromHex("3b0600017400") + "\2c";
+    const QByteArray bytes = first + again + FakeBroker::message("t", "d") + kept + first + again;
+    if (byteWise)
+        peer.sendByteWise(bytes);
+    else
+        peer.send(bytes);
+    QTRY_COMPARE(order, (QStringList { "a", "b again", "d", "c again", "a", "b again" }));
 }
 
 void TestMessages::backlogArrivesCompleteAndInOrder()

@@ -9,6 +9,10 @@
 
 #include <type_traits>
 
+// The module leaves these to the application, so we do.
+Q_DECLARE_METATYPE(QMqttClient::ProtocolVersion)
+Q_DECLARE_METATYPE(QMqttSubscription::SubscriptionState)
+
 // Whether &Class::name names one function.  Code that takes the address of an overloaded one would
 // compile with one implementation of the classes and not with the other.
 #define ONE_FUNCTION(name)                                                                         \

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "qmqttglobal.h"
 #include "qmqttmessage.h"
+#include "qmqttmessagestatusproperties.h"
 #include "qmqttpublishproperties.h"
 #include "qmqttsubscription.h"
 #include "qmqttsubscriptionproperties.h"
@@ -131,8 +133,8 @@ public:
     qint32 publish(const QMqttTopicName &topic, const QMqttPublishProperties &properties,
         const QByteArray &message = QByteArray(), quint8 qos = 0, bool retain = false);
 
-    /** Always false: pings are sent by autoKeepAlive() only, and pingResponseReceived() is not
-     * emitted. */
+    /** Sends a ping, after what is being sent.  False, and nothing is sent, unless Connected, and
+     * while autoKeepAlive() does it. */
     bool requestPing();
 
     /** Name or address of the broker.  A name may have several addresses; they are tried in order,
@@ -194,7 +196,11 @@ Q_SIGNALS:
     void messageReceived(const QByteArray &message, const QMqttTopicName &topic = QMqttTopicName());
     /** The broker has confirmed the message that publish() gave this id. */
     void messageSent(int id);
-    /** Never emitted; see requestPing(). */
+    /** The broker has confirmed that message: Acknowledged at quality of service 1, Completed at 2,
+     * and no other status.  Emitted before messageSent(). */
+    void messageStatusChanged(
+        qint32 id, QMqtt::MessageStatus s, const QMqttMessageStatusProperties &properties);
+    /** The broker has answered a ping, requested or not. */
     void pingResponseReceived();
     /** The broker remembers this client's last session; emitted before connected(). */
     void brokerSessionRestored();
@@ -247,4 +253,3 @@ private:
 Q_DECLARE_METATYPE(QMqttClient::TransportType)
 Q_DECLARE_METATYPE(QMqttClient::ClientState)
 Q_DECLARE_METATYPE(QMqttClient::ClientError)
-Q_DECLARE_METATYPE(QMqttClient::ProtocolVersion)

@@ -60,5 +60,3 @@ private:
     quint8 m_qos = 0;
     SubscriptionState m_state = SubscriptionPending;
 };
-
-Q_DECLARE_METATYPE(QMqttSubscription::SubscriptionState)

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "address.h"
+#include "fakebroker.h"
+
+#include <QtTest/QtTest>
+
+namespace {
+constexpr int PatienceMs = 20000;
+constexpr quint16 ShortestKeepAlive = 5; // seconds
+} // namespace
+
+/** Pings on request, and their answers. */
+class TestPings : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void requestedPingIsSentAndAnswered();
+    void requestNeedsAConnection();
+    void requestWaitsForWhatIsBeingSent();
+    void automaticPingIsAnsweredToo();
+};
+
+void TestPings::requestedPingIsSentAndAnswered()
+{
+    FakeBroker peer;
+    QMqttClient client;
+    aim(&client, peer.port());
+    client.setAutoKeepAlive(false);
+    QSignalSpy answers(&client, &QMqttClient::pingResponseReceived);
+    client.connectToHost();
+    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    for (int i = 1; i <= 3; ++i) {
+        QVERIFY(client.requestPing());
+        QTRY_COMPARE(answers.count(), i);
+        QCOMPARE(peer.count(FakeBroker::PingRequest), i);
+        QCOMPARE(peer.packets().constLast(), QByteArray::fromHex("c000"));
+    }
+    peer.sendByteWise(QByteArray::fromHex("d000")); // also one that nobody has asked for
+    QTRY_COMPARE(answers.count(), 4);
+}
+
+void TestPings::requestNeedsAConnection()
+{
+    FakeBroker peer;
+    QMqttClient client;
+    aim(&client, peer.port());
+    client.setAutoKeepAlive(false);
+    QVERIFY(!client.requestPing());
+    client.connectToHost();
+    QVERIFY(!client.requestPing());
+    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    client.disconnectFromHost();
+    QVERIFY(!client.requestPing());
+    QTRY_VERIFY(peer.isDeserted());
+    QCOMPARE(peer.count(FakeBroker::PingRequest), 0);
+}
+
+void TestPings::requestWaitsForWhatIsBeingSent()
+{
+    const QByteArray payload(32 << 20, 'x'); // more than the sockets hold
+    FakeBroker peer;
+    QMqttClient client;
+    aim(&client, peer.port());
+    client.setAutoKeepAlive(false);
+    client.connectToHost();
+    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    client.publish(QLatin1String("t"), payload);
+    QVERIFY(client.requestPing());
+    QTRY_COMPARE_WITH_TIMEOUT(peer.count(FakeBroker::PingRequest), 1, PatienceMs);
+    QCOMPARE(peer.packets().size(), 3);
+    QVERIFY(peer.packets().at(1).endsWith(payload));
+}
+
+void TestPings::automaticPingIsAnsweredToo()
+{
+    FakeBroker peer;
+    QMqttClient client;
+    aim(&client, peer.port());
+    client.setKeepAlive(ShortestKeepAlive);
+    QSignalSpy answers(&client, &QMqttClient::pingResponseReceived);
+    client.connectToHost();
+    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    QVERIFY(!client.requestPing());
+    QTRY_COMPARE_WITH_TIMEOUT(answers.count(), 1, PatienceMs);
+    QCOMPARE(peer.count(FakeBroker::PingRequest), 1);
+}
+
+QTEST_GUILESS_MAIN(TestPings)
+#include "tst_pings.moc"
