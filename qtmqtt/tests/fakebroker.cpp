@@ -19,6 +19,15 @@ int packetLength(const QByteArray &bytes)
     }
     return 0;
 }
+
+/** How many bytes of a packet tell its length. */
+int lengthBytes(const QByteArray &packet)
+{
+    int count = 1;
+    while (packet.at(count) & 0x80)
+        ++count;
+    return count;
+}
 } // namespace
 
 FakeBroker::FakeBroker()
@@ -72,6 +81,14 @@ void FakeBroker::sendByteWise(const QByteArray &bytes)
         m_socket->write(&byte, 1);
         m_socket->flush();
     }
+}
+
+void FakeBroker::answerSubscription(quint8 code)
+{
+    const auto request = std::find_if(m_packets.crbegin(), m_packets.crend(),
+        [](const QByteArray &packet) { return (quint8(packet.at(0)) & 0xf0) == Subscribe; });
+    const int id = 1 + lengthBytes(*request);
+    send(QByteArray::fromHex("9003") + request->mid(id, 2) + char(code));
 }
 
 void FakeBroker::closeConnection()

@@ -37,6 +37,8 @@ public:
     void send(const QByteArray &bytes);
     /** Sends each byte in a segment of its own. */
     void sendByteWise(const QByteArray &bytes);
+    /** Answers the newest request to subscribe: with a quality of service, or 0x80 to refuse. */
+    void answerSubscription(quint8 code);
     /** Closes the newest client's connection in an orderly way. */
     void closeConnection();
     /** Resets the newest client's connection. */

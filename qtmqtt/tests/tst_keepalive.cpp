@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "address.h"
 #include "fakebroker.h"
+#include "oursalone.h"
 #include "resolver.h"
 #include "signallog.h"
 #include "testbroker.h"
@@ -76,6 +77,7 @@ void TestKeepAlive::idleClientDoesNotWakeUp()
 
 void TestKeepAlive::silentBrokerIsGivenUp()
 {
+    OURS_ALONE("the module gives up one ping later");
     FakeBroker peer;
     QMqttClient client;
     aim(&client, peer.port());
@@ -93,6 +95,7 @@ void TestKeepAlive::silentBrokerIsGivenUp()
 
 void TestKeepAlive::unansweredConnectRequestIsGivenUp()
 {
+    OURS_ALONE("the module waits without an end");
     FakeBroker peer;
     peer.setAnswer(QByteArray());
     QMqttClient client;
@@ -108,6 +111,7 @@ void TestKeepAlive::unansweredConnectRequestIsGivenUp()
 
 void TestKeepAlive::unansweredLookupIsGivenUp()
 {
+    OURS_ALONE("the module waits for as long as the lookup takes");
     Resolver resolver("unanswered.test", "127.0.0.1");
     FakeBroker peer;
     QMqttClient client;
@@ -160,6 +164,7 @@ void TestKeepAlive::busyAndIdleClientsAreKept()
 
 void TestKeepAlive::pingsCanBeSwitchedOff()
 {
+    OURS_ALONE("the module ends a connection without an interval");
     FakeBroker peer, other;
     QMqttClient noInterval, notAutomatic, pinging;
     aim(&noInterval, peer.port());

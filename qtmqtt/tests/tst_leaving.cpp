@@ -2,6 +2,7 @@
 #include "address.h"
 #include "fakebroker.h"
 #include "listener.h"
+#include "oursalone.h"
 #include "testbroker.h"
 #include "wirepeer.h"
 
@@ -56,6 +57,7 @@ quint8 type(const QByteArray &packet)
 class TestLeaving : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void initTestCase();
     void floodDoesNotHoldUs_data();
     void floodDoesNotHoldUs();
     void backlogIsWrittenBeforeTheFarewell_data();
@@ -64,6 +66,11 @@ private Q_SLOTS:
     void nothingIsLostDespiteSignals();
     void ownEchoDestroysNothing();
 };
+
+void TestLeaving::initTestCase()
+{
+    OURS_ALONE("the module may close with something unread, which loses messages");
+}
 
 void TestLeaving::floodDoesNotHoldUs_data()
 {

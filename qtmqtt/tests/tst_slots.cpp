@@ -2,6 +2,7 @@
 #include "address.h"
 #include "fakebroker.h"
 #include "listener.h"
+#include "oursalone.h"
 #include "signallog.h"
 #include "testbroker.h"
 
@@ -66,6 +67,7 @@ void TestSlots::initTestCase()
 
 void TestSlots::waitingSlotIsNotEnteredAgain()
 {
+    OURS_ALONE("the module goes on with the next byte from the broker only");
     Listener publisher(m_broker.port());
     int confirmed = 0;
     connect(&publisher.client, &QMqttClient::messageSent, this, [&] { ++confirmed; });
@@ -94,6 +96,7 @@ void TestSlots::waitingSlotIsNotEnteredAgain()
 
 void TestSlots::waitingSlotHoldsBackAllSignals()
 {
+    OURS_ALONE("the module goes on with the next byte from the broker only");
     Listener other(m_broker.port());
     int confirmed = 0;
     connect(&other.client, &QMqttClient::messageSent, this, [&] { ++confirmed; });
@@ -130,6 +133,7 @@ void TestSlots::waitElsewhereDeliversInside()
 
 void TestSlots::lossDuringTheWaitComesAfterTheMessages()
 {
+    OURS_ALONE("the module tells of the loss at once and drops the messages");
     FakeBroker peer;
     QMqttClient client;
     aim(&client, peer.port());
@@ -151,6 +155,7 @@ void TestSlots::lossDuringTheWaitComesAfterTheMessages()
 
 void TestSlots::leavingDuringTheWaitIsImmediate()
 {
+    OURS_ALONE("the module does not promise it");
     FakeBroker peer;
     QMqttClient client;
     aim(&client, peer.port());
@@ -176,6 +181,7 @@ void TestSlots::leavingDuringTheWaitIsImmediate()
 
 void TestSlots::deletionDuringTheWait()
 {
+    OURS_ALONE("the module does not allow it");
     FakeBroker peer;
     const QPointer<QMqttClient> client(new QMqttClient);
     aim(client, peer.port());
@@ -194,6 +200,7 @@ void TestSlots::deletionDuringTheWait()
 
 void TestSlots::waitInConnectedHoldsBackMessages()
 {
+    OURS_ALONE("the module goes on with the next byte from the broker only");
     FakeBroker peer;
     peer.setAnswer(FakeBroker::acceptance() + FakeBroker::message("t", "1"));
     QMqttClient client;
@@ -362,6 +369,7 @@ void TestSlots::deletionInASlot_data()
 /** Also under the address sanitizer, which is what sees most of it. */
 void TestSlots::deletionInASlot()
 {
+    OURS_ALONE("the module does not allow it");
     using Arm = std::function<void(QMqttClient *, const std::function<void()> &)>;
     QFETCH(Arm, arm);
     for (const bool later : { false, true }) {
@@ -388,6 +396,7 @@ void TestSlots::reconnectingInASlot_data()
 
 void TestSlots::reconnectingInASlot()
 {
+    OURS_ALONE("the module does not allow it");
     QFETCH(QString, slot);
     FakeBroker peer;
     QMqttClient client;
@@ -416,6 +425,7 @@ void TestSlots::reconnectingInASlot()
 
 void TestSlots::reconnectingInVainLeavesTheLoopAlive()
 {
+    OURS_ALONE("the module does not allow it");
     QMqttClient client;
     aim(&client, deafPort());
     int attempts = 0;
@@ -431,6 +441,7 @@ void TestSlots::reconnectingInVainLeavesTheLoopAlive()
 
 void TestSlots::reconnectingAfterLeavingInASlot()
 {
+    OURS_ALONE("the module does not allow it");
     FakeBroker peer;
     QMqttClient client;
     aim(&client, peer.port());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fakebroker.h"
 #include "listener.h"
+#include "oursalone.h"
 #include "wirepeer.h"
 
 #include <QtCore/QTimer>
@@ -44,11 +45,17 @@ private:
 class TestTurns : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void initTestCase();
     void messagesLeaveOthersTheirTurn_data();
     void messagesLeaveOthersTheirTurn();
     void confirmationsLeaveOthersTheirTurn();
     void acknowledgedMessagesComeInBulk();
 };
+
+void TestTurns::initTestCase()
+{
+    OURS_ALONE("the module reads all that there is in one turn");
+}
 
 void TestTurns::messagesLeaveOthersTheirTurn_data()
 {
