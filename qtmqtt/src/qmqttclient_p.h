@@ -42,7 +42,7 @@ public:
         emit(q->*changed)(value);
     }
 
-    QMqttConnection::Settings settings;
+    QMqttSettings settings;
 
 private:
     using Subscription = QPointer<QMqttSubscription>; // null once the application has deleted it

@@ -1,22 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "qmqttconnection_p.h"
 
-#include <QtCore/QSet>
 #include <QtCore/QSocketNotifier>
 #include <QtNetwork/QHostInfo>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <mosquitto.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -27,10 +23,6 @@ constexpr int PacketsPerTurn = 512;
 constexpr int ShortestKeepAlive = 5; // seconds
 /** Later than the exact time, because the library's clock and the kernel's count in steps. */
 constexpr int KeepAliveMarginMs = 100;
-/** No limit on unconfirmed messages: the default of 20 would hold back the 21st. */
-constexpr int UnconfirmedLimit = 65535;
-/** In bytes; a packet has two of them for the length of a text. */
-constexpr int LongestText = 65535;
 /** The first byte of the only packet that may answer a request to connect. */
 constexpr quint8 ConnectAnswer = 0x20;
 /** Head of the answer to a ping, and the whole request. */
@@ -83,48 +75,9 @@ short waitFor(int socket, short events, int patienceMs, const QDeadlineTimer &li
     return count > 0 ? waiting.revents : 0;
 }
 
-void keepFromChildren(int descriptor)
-{
-    fcntl(descriptor, F_SETFD, FD_CLOEXEC);
-}
-
-/** The sockets that a child process would get.  Ours are to be none of them. */
-QSet<int> inheritableSockets()
-{
-    QSet<int> sockets;
-    DIR *const folder = opendir("/proc/self/fd");
-    while (const dirent *const entry = folder ? readdir(folder) : nullptr) {
-        const int descriptor = std::atoi(entry->d_name); // 0, which is no socket of ours, for "."
-        struct stat status = {};
-        if (fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode)
-            && !(fcntl(descriptor, F_GETFD) & FD_CLOEXEC))
-            sockets.insert(descriptor);
-    }
-    if (folder)
-        closedir(folder);
-    return sockets;
-}
-
-/** Whether the library, for which a zero ends a text, would see all of it; and it fits into a
- * packet. */
-bool isText(const QByteArray &text)
-{
-    return text.size() <= LongestText && !text.contains('\0');
-}
-
-/** The text, or null where the library wants to see that there is none. */
-const char *textOrNull(const QByteArray &text)
-{
-    return text.isEmpty() ? nullptr : text.constData();
-}
 } // namespace
 
-void QMqttConnection::HandleDeleter::operator()(mosquitto *handle) const
-{
-    mosquitto_destroy(handle);
-}
-
-QMqttConnection::QMqttConnection(const Settings &settings)
+QMqttConnection::QMqttConnection(const QMqttSettings &settings)
     : m_settings(settings)
     , m_limit(pings() ? keepAliveSeconds() * 1000 : -1) // -1: none
 {
@@ -167,52 +120,18 @@ void QMqttConnection::open(const QList<QHostAddress> &addresses)
     announce();
 }
 
-/** Refuses settings that cannot be sent: without them it would be another connection. */
 QMqttClient::ClientError QMqttConnection::createHandle()
 {
-    static const int initialised = mosquitto_lib_init();
-    Q_UNUSED(initialised)
-
-    // The protocol wants an id from a client whose session is to be remembered.
-    const QByteArray id = m_settings.clientId.toUtf8();
-    const QSet<int> before = inheritableSockets();
-    m_handle.reset(
-        isText(id) ? mosquitto_new(textOrNull(id), m_settings.cleanSession, this) : nullptr);
-    if (!m_handle)
-        return QMqttClient::IdRejected;
-    for (const int socket : inheritableSockets() - before) // the pair by which it wakes up threads
-        keepFromChildren(socket);
-
-    mosquitto *const handle = m_handle.get();
-    // Packets are queued until we write them, also those that the library answers with: a write
-    // while it reads would undo what onLog() does.
-    mosquitto_threaded_set(handle, true);
-    mosquitto_int_option(handle, MOSQ_OPT_PROTOCOL_VERSION, m_settings.protocolVersion);
-    mosquitto_int_option(handle, MOSQ_OPT_SEND_MAXIMUM, UnconfirmedLimit);
-    // Commands are small packets in a row; without this the second waits for the peer's delayed
-    // ACK.
-    mosquitto_int_option(handle, MOSQ_OPT_TCP_NODELAY, 1);
-    const QByteArray username = m_settings.username.toUtf8();
-    const QByteArray password = m_settings.password.toUtf8();
-    if (!username.isEmpty()
-        && (!isText(username) || !isText(password)
-            || mosquitto_username_pw_set(handle, username.constData(), textOrNull(password))
-                != MOSQ_ERR_SUCCESS))
-        return QMqttClient::BadUsernameOrPassword;
-    const QByteArray willTopic = m_settings.willTopic.toUtf8();
-    if (!willTopic.isEmpty()
-        && (!isText(willTopic)
-            || mosquitto_will_set(handle, willTopic.constData(), m_settings.willMessage.size(),
-                   m_settings.willMessage.constData(), m_settings.willQoS, m_settings.willRetain)
-                != MOSQ_ERR_SUCCESS))
-        return QMqttClient::ProtocolViolation;
-    mosquitto_connect_with_flags_callback_set(handle, &QMqttConnection::onConnect);
-    mosquitto_disconnect_callback_set(handle, &QMqttConnection::onDisconnect);
-    mosquitto_message_callback_set(handle, &QMqttConnection::onMessage);
-    mosquitto_publish_callback_set(handle, &QMqttConnection::onPublish);
-    mosquitto_subscribe_callback_set(handle, &QMqttConnection::onSubscribe);
-    mosquitto_unsubscribe_callback_set(handle, &QMqttConnection::onUnsubscribe);
-    mosquitto_log_callback_set(handle, &QMqttConnection::onLog);
+    const QMqttClient::ClientError error = m_handle.create(m_settings, this);
+    if (error != QMqttClient::NoError)
+        return error;
+    mosquitto_connect_with_flags_callback_set(m_handle, &QMqttConnection::onConnect);
+    mosquitto_disconnect_callback_set(m_handle, &QMqttConnection::onDisconnect);
+    mosquitto_message_callback_set(m_handle, &QMqttConnection::onMessage);
+    mosquitto_publish_callback_set(m_handle, &QMqttConnection::onPublish);
+    mosquitto_subscribe_callback_set(m_handle, &QMqttConnection::onSubscribe);
+    mosquitto_unsubscribe_callback_set(m_handle, &QMqttConnection::onUnsubscribe);
+    mosquitto_log_callback_set(m_handle, &QMqttConnection::onLog);
     return QMqttClient::NoError;
 }
 
@@ -228,11 +147,11 @@ void QMqttConnection::tryNextAddress()
             return;
         }
         const int code = mosquitto_connect_async(
-            m_handle.get(), address.constData(), m_settings.port, keepAliveSeconds());
+            m_handle, address.constData(), m_settings.port, keepAliveSeconds());
         m_lossCode.reset();
         m_betweenPackets = true;
         if (code == MOSQ_ERR_SUCCESS) {
-            keepFromChildren(mosquitto_socket(m_handle.get()));
+            QMqttHandle::keepFromChildren(mosquitto_socket(m_handle));
             watchSocket();
             return;
         }
@@ -263,12 +182,12 @@ void QMqttConnection::timeOut()
 
 void QMqttConnection::watchSocket()
 {
-    const int socket = mosquitto_socket(m_handle.get());
+    const int socket = mosquitto_socket(m_handle);
     m_readNotifier = new QSocketNotifier(socket, QSocketNotifier::Read, this);
     connect(m_readNotifier, &QSocketNotifier::activated, this, &QMqttConnection::read);
     m_writeNotifier = new QSocketNotifier(socket, QSocketNotifier::Write, this);
     connect(m_writeNotifier, &QSocketNotifier::activated, this, &QMqttConnection::write);
-    m_writeNotifier->setEnabled(mosquitto_want_write(m_handle.get()));
+    m_writeNotifier->setEnabled(mosquitto_want_write(m_handle));
 }
 
 void QMqttConnection::unwatchSocket()
@@ -295,7 +214,7 @@ void QMqttConnection::read()
     // A broker with Nagle's algorithm holds a small packet back until the one before is
     // acknowledged, which the kernel would delay by 40 ms.  The option wears off, so it is set
     // again and again.
-    if (const int socket = mosquitto_socket(m_handle.get()); socket >= 0) {
+    if (const int socket = mosquitto_socket(m_handle); socket >= 0) {
         const int on = 1;
         setsockopt(socket, IPPROTO_TCP, TCP_QUICKACK, &on, sizeof on);
     }
@@ -313,8 +232,7 @@ int QMqttConnection::readPacket()
 {
     m_packetRead = false;
     if (m_betweenPackets) {
-        const ssize_t count
-            = recv(mosquitto_socket(m_handle.get()), &m_head, 1, MSG_PEEK | MSG_DONTWAIT);
+        const ssize_t count = recv(mosquitto_socket(m_handle), &m_head, 1, MSG_PEEK | MSG_DONTWAIT);
         if (count < 0) // looking takes the error off the socket
             return errno == EAGAIN || errno == EINTR ? MOSQ_ERR_SUCCESS : MOSQ_ERR_ERRNO;
         // The library would take foreign bytes for the head of a long packet and wait for its rest.
@@ -322,7 +240,7 @@ int QMqttConnection::readPacket()
             return MOSQ_ERR_PROTOCOL;
     }
     m_reading = true;
-    const int code = mosquitto_loop_read(m_handle.get(), 1);
+    const int code = mosquitto_loop_read(m_handle, 1);
     m_reading = false;
     m_betweenPackets = m_packetRead;
     if (m_packetRead && code == MOSQ_ERR_SUCCESS && m_head == PingAnswer)
@@ -332,7 +250,7 @@ int QMqttConnection::readPacket()
 
 void QMqttConnection::write()
 {
-    finishCall(mosquitto_loop_write(m_handle.get(), 1));
+    finishCall(mosquitto_loop_write(m_handle, 1));
 }
 
 /** The library pings by its own clock only. */
@@ -349,14 +267,14 @@ bool QMqttConnection::requestPing()
  */
 void QMqttConnection::ping()
 {
-    const ssize_t count = send(mosquitto_socket(m_handle.get()), PingRequest, sizeof PingRequest,
-        MSG_DONTWAIT | MSG_NOSIGNAL);
+    const ssize_t count = send(
+        mosquitto_socket(m_handle), PingRequest, sizeof PingRequest, MSG_DONTWAIT | MSG_NOSIGNAL);
     m_pingWanted = count < 0 && (errno == EAGAIN || errno == EINTR);
 }
 
 void QMqttConnection::keepAlive()
 {
-    finishCall(mosquitto_loop_misc(m_handle.get()));
+    finishCall(mosquitto_loop_misc(m_handle));
     if (m_phase != Over)
         scheduleKeepAlive();
 }
@@ -374,7 +292,7 @@ void QMqttConnection::scheduleKeepAlive()
     const int intervalMs = keepAliveSeconds() * 1000;
     tcp_info info = {};
     socklen_t size = sizeof info;
-    getsockopt(mosquitto_socket(m_handle.get()), IPPROTO_TCP, TCP_INFO, &info, &size);
+    getsockopt(mosquitto_socket(m_handle), IPPROTO_TCP, TCP_INFO, &info, &size);
     const int silentMs = int(std::min(info.tcpi_last_data_sent, quint32(intervalMs - 1000)));
     m_timer.start(intervalMs + KeepAliveMarginMs - silentMs);
 }
@@ -395,8 +313,8 @@ int QMqttConnection::publish(
     if (m_phase != Open)
         return -1;
     int id = 0;
-    const int code = mosquitto_publish(m_handle.get(), &id, topic.toUtf8().constData(),
-        payload.size(), payload.constData(), qos, retain);
+    const int code = mosquitto_publish(m_handle, &id, topic.toUtf8().constData(), payload.size(),
+        payload.constData(), qos, retain);
     if (code == MOSQ_ERR_SUCCESS && qos > 0)
         m_unconfirmed.insert(id, qos);
     finishCall(MOSQ_ERR_SUCCESS); // a loss is noticed when reading
@@ -410,7 +328,7 @@ int QMqttConnection::subscribe(const QString &filter, quint8 qos)
     if (m_phase != Open)
         return -1;
     int id = 0;
-    const int code = mosquitto_subscribe(m_handle.get(), &id, filter.toUtf8().constData(), qos);
+    const int code = mosquitto_subscribe(m_handle, &id, filter.toUtf8().constData(), qos);
     finishCall(MOSQ_ERR_SUCCESS);
     return code == MOSQ_ERR_SUCCESS ? id : -1;
 }
@@ -420,7 +338,7 @@ int QMqttConnection::unsubscribe(const QString &filter)
     if (m_phase != Open)
         return -1;
     int id = 0;
-    const int code = mosquitto_unsubscribe(m_handle.get(), &id, filter.toUtf8().constData());
+    const int code = mosquitto_unsubscribe(m_handle, &id, filter.toUtf8().constData());
     finishCall(MOSQ_ERR_SUCCESS);
     return code == MOSQ_ERR_SUCCESS ? id : -1;
 }
@@ -439,9 +357,9 @@ void QMqttConnection::finishCall(int code)
             else
                 end(errorFromCode(loss));
         } else {
-            if (m_pingWanted && !mosquitto_want_write(m_handle.get()))
+            if (m_pingWanted && !mosquitto_want_write(m_handle))
                 ping();
-            m_writeNotifier->setEnabled(m_pingWanted || mosquitto_want_write(m_handle.get()));
+            m_writeNotifier->setEnabled(m_pingWanted || mosquitto_want_write(m_handle));
         }
     }
     announce();
@@ -458,7 +376,7 @@ void QMqttConnection::close()
 
     // First all that waits to be written, and the answers to it: once it has said farewell, the
     // library takes whatever still comes in for a violation, and closes.
-    mosquitto *const handle = m_handle.get();
+    mosquitto *const handle = m_handle;
     const QDeadlineTimer limit(CloseLimitMs);
     while (mosquitto_want_write(handle) || !m_unconfirmed.isEmpty()) {
         if (!exchange(mosquitto_want_write(handle) ? WritePatienceMs : AnswerPatienceMs, limit))
@@ -475,7 +393,7 @@ void QMqttConnection::close()
  */
 void QMqttConnection::sayFarewell()
 {
-    mosquitto *const handle = m_handle.get();
+    mosquitto *const handle = m_handle;
     const int socket = fcntl(mosquitto_socket(handle), F_DUPFD_CLOEXEC, 0);
     if (socket < 0)
         return;
@@ -500,7 +418,7 @@ void QMqttConnection::sayFarewell()
  * up or all is over. */
 bool QMqttConnection::exchange(int patienceMs, const QDeadlineTimer &limit)
 {
-    mosquitto *const handle = m_handle.get();
+    mosquitto *const handle = m_handle;
     const short wanted = mosquitto_want_write(handle) ? POLLIN | POLLOUT : POLLIN;
     const short possible = waitFor(mosquitto_socket(handle), wanted, patienceMs, limit);
     int code = possible ? MOSQ_ERR_SUCCESS : MOSQ_ERR_NO_CONN;

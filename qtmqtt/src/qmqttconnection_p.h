@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "qmqtthandle_p.h"
+#include "qmqttsettings_p.h"
+
 #include <QtMqtt/qmqttclient.h>
 
 #include <QtCore/QByteArray>
@@ -13,7 +16,6 @@
 #include <QtNetwork/QHostAddress>
 
 #include <deque>
-#include <memory>
 #include <optional>
 #include <variant>
 
@@ -34,22 +36,6 @@ struct mosquitto_message;
 class QMqttConnection : public QObject {
     Q_OBJECT
 public:
-    struct Settings {
-        QString hostname;
-        quint16 port = 0;
-        QString clientId;
-        quint16 keepAlive = 60; // seconds
-        bool autoKeepAlive = true;
-        QMqttClient::ProtocolVersion protocolVersion = QMqttClient::MQTT_3_1_1;
-        bool cleanSession = true;
-        QString username;
-        QString password;
-        QString willTopic;
-        QByteArray willMessage;
-        quint8 willQoS = 0;
-        bool willRetain = false;
-    };
-
     struct Accepted {
         bool sessionRestored;
     };
@@ -75,7 +61,7 @@ public:
     using Event = std::variant<Accepted, MessageArrived, PublishConfirmed, SubscribeAnswered,
         UnsubscribeAnswered, PingAnswered, Ended>;
 
-    explicit QMqttConnection(const Settings &settings);
+    explicit QMqttConnection(const QMqttSettings &settings);
     /** Closes the network connection, if need be without a word to the broker. */
     ~QMqttConnection() override;
 
@@ -113,9 +99,6 @@ private Q_SLOTS:
 
 private:
     enum Phase { Opening, Open, Over };
-    struct HandleDeleter {
-        void operator()(mosquitto *handle) const;
-    };
 
     static void onConnect(mosquitto *handle, void *self, int code, int flags);
     static void onDisconnect(mosquitto *handle, void *self, int code);
@@ -147,11 +130,11 @@ private:
     bool pings() const;
     int keepAliveSeconds() const;
 
-    const Settings m_settings;
+    const QMqttSettings m_settings;
     Phase m_phase = Opening;
     int m_lookup = -1;               // id of the running name lookup
     QList<QHostAddress> m_addresses; // those not tried yet
-    std::unique_ptr<mosquitto, HandleDeleter> m_handle;
+    QMqttHandle m_handle;
     QSocketNotifier *m_readNotifier = nullptr;
     QSocketNotifier *m_writeNotifier = nullptr;
     const QDeadlineTimer m_limit;  // of the attempt

@@ -55,7 +55,7 @@ private Q_SLOTS:
 
 private:
     TestBroker m_broker;
-    QMqttConnection::Settings m_settings;
+    QMqttSettings m_settings;
 };
 
 void TestAddresses::initTestCase()
