@@ -34,10 +34,11 @@ constexpr quint8 RepeatedFlag = 0x08;
 constexpr int SessionRestoredFlag = 1;
 
 // Patience with a broker that does not move while we leave, and with one that moves all the time.
-constexpr int AnswerPatienceMs = 200;
 constexpr int WritePatienceMs = 2000;
-constexpr int CloseLimitMs = 5000;
-constexpr int FarewellLimitMs = 1000;
+constexpr int WriteLimitMs = 30000; // as long as the Qt module
+constexpr int AnswerPatienceMs = 200;
+constexpr int AnswerLimitMs = 5000;
+constexpr int FarewellLimitMs = 5000;
 
 QMqttClient::ClientError errorFromCode(int code)
 {
@@ -376,13 +377,14 @@ void QMqttConnection::close()
 
     // First all that waits to be written, and the answers to it: once it has said farewell, the
     // library takes whatever still comes in for a violation, and closes.
-    mosquitto *const handle = m_handle;
-    const QDeadlineTimer limit(CloseLimitMs);
-    while (mosquitto_want_write(handle) || !m_unconfirmed.isEmpty()) {
-        if (!exchange(mosquitto_want_write(handle) ? WritePatienceMs : AnswerPatienceMs, limit))
-            break;
+    const QDeadlineTimer writeLimit(WriteLimitMs);
+    while (mosquitto_want_write(m_handle)) {
+        if (!exchange(WritePatienceMs, writeLimit))
+            return;
     }
-    if (mosquitto_socket(handle) >= 0 && !mosquitto_want_write(handle))
+    const QDeadlineTimer answerLimit(AnswerLimitMs);
+    while (!m_unconfirmed.isEmpty() && exchange(AnswerPatienceMs, answerLimit)) { }
+    if (mosquitto_socket(m_handle) >= 0)
         sayFarewell();
 }
 
@@ -414,18 +416,18 @@ void QMqttConnection::sayFarewell()
     ::close(socket);
 }
 
-/** Waits until something can be read or written and does so.  False when nothing moved, the time is
- * up or all is over. */
+/**
+ * Waits until something can be written or read, and does one of it; writing first, so that the
+ * queue is seen to be empty before reading adds an acknowledgement to it.  False when nothing
+ * moved, the time is up or all is over.
+ */
 bool QMqttConnection::exchange(int patienceMs, const QDeadlineTimer &limit)
 {
-    mosquitto *const handle = m_handle;
-    const short wanted = mosquitto_want_write(handle) ? POLLIN | POLLOUT : POLLIN;
-    const short possible = waitFor(mosquitto_socket(handle), wanted, patienceMs, limit);
-    int code = possible ? MOSQ_ERR_SUCCESS : MOSQ_ERR_NO_CONN;
-    if (possible & POLLOUT)
-        code = mosquitto_loop_write(handle, 1);
-    if (code == MOSQ_ERR_SUCCESS && (possible & ~POLLOUT))
-        code = readPacket();
+    const short wanted = mosquitto_want_write(m_handle) ? POLLIN | POLLOUT : POLLIN;
+    const short possible = waitFor(mosquitto_socket(m_handle), wanted, patienceMs, limit);
+    if (!possible)
+        return false;
+    const int code = possible & POLLOUT ? mosquitto_loop_write(m_handle, 1) : readPacket();
     return code == MOSQ_ERR_SUCCESS;
 }
 

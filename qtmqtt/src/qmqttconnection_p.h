@@ -71,8 +71,9 @@ public:
     void open(const QList<QHostAddress> &addresses);
 
     /**
-     * Leaves the broker so that all that was published arrives there; blocks for up to a few
-     * seconds. Produces no events and drops the queued ones.  Nothing but deletion may follow.
+     * Leaves the broker so that all that was published arrives there; blocks meanwhile, but not
+     * without a limit. Produces no events and drops the queued ones.  Nothing but deletion may
+     * follow.
      */
     void close();
 

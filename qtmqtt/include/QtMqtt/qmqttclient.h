@@ -183,7 +183,7 @@ public:
     /**
      * Leaves the broker: all that was published goes out first, then the state changes, inside the
      * call. Messages that have not been delivered yet are discarded.  Blocks while the broker takes
-     * its time, for a few seconds at most.
+     * its time: for up to 30 seconds as long as it reads, otherwise for a few seconds.
      *
      * While Connecting the attempt is given up, with TransportInvalid.
      */
