@@ -123,7 +123,8 @@ public:
      * deletes the one the broker keeps.
      *
      * -1, and nothing is sent or kept for later, unless Connected, with an invalid topic, with @p
-     * qos above 2, for a message over 256 MB or when the connection turns out to be broken.
+     * qos above 2 or for a message over 256 MB.  It leaves when the event loop runs; a connection
+     * that is broken without our knowing takes messages, and loses them.
      *
      * When the connection is lost, messages not yet confirmed are dropped; none is sent again.
      */
