@@ -18,9 +18,10 @@ class ImageProvider;
  *
  * A fetch that is not wanted any more is abandoned when it has had a second; one that is still
  * wanted then has the logo shown until it ends, so that no cover stays under another track's title.
- * Where a fetch fails the logo is shown. When the core moves, the picture that is wanted is fetched
- * from its new address at once, the one on view as well. Lives in the GUI thread, may be destroyed
- * at any moment.
+ * It is abandoned, too, when another loader has waited a second for its end, as there is one page
+ * at a time. A loader whose page is in no window begins none. Where a fetch fails the logo is
+ * shown. When the core moves, the picture that is wanted is fetched from its new address at once,
+ * the one on view as well. Lives in the GUI thread, may be destroyed at any moment.
  */
 class CoverArtLoader : public QObject {
     Q_OBJECT
@@ -62,5 +63,5 @@ private:
     QUrl m_sourceAddress; // where the picture on view was fetched; empty if it was not
     bool m_scheduled = false;
     ImageProvider *m_waitingFor = nullptr; // null unless a fetch is going on
-    QTimer m_patience;                     // runs for the first second of a fetch
+    QTimer m_patience; // runs for the first second of a fetch, or of the wait for another loader's
 };

@@ -7,6 +7,8 @@
 
 #include <QPointer>
 #include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
 #include <QVector>
 
 namespace {
@@ -79,13 +81,23 @@ void CoverArtLoader::load()
     if (fetching) {
         if (!waitingLoaders.contains(this))
             waitingLoaders.append(this);
+        if (!m_waitingFor && !m_patience.isActive())
+            m_patience.start();
         return;
     }
+    m_patience.stop();
     ImageProvider *const provider = providerFor(this);
     const QUrl url = m_wanted;
     const QString id = imageId(url);
     if (!provider || !ImageProvider::isFetched(id)) {
         setSource(url);
+        return;
+    }
+    const auto *const page = qobject_cast<const QQuickItem *>(parent());
+    if (page && !page->window()) {
+        // It is still being made; or it has been left, and a fetch would keep it from its end.
+        connect(page, &QQuickItem::windowChanged, this, &CoverArtLoader::schedule,
+            Qt::UniqueConnection);
         return;
     }
 
@@ -125,10 +137,10 @@ void CoverArtLoader::load()
 
 void CoverArtLoader::patienceEnded()
 {
-    if (m_wanted != m_loading)
-        m_waitingFor->abandonFetches();
-    else
+    if (m_waitingFor && m_wanted == m_loading)
         setSource(logo());
+    else if (ImageProvider *const provider = providerFor(this))
+        provider->abandonFetches(); // of what is not wanted here any more, or of another loader
 }
 
 void CoverArtLoader::serverMoved()

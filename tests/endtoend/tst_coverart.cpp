@@ -65,6 +65,8 @@ private slots:
     void thePageCanBeLeftDuringAFetch_data();
     void thePageCanBeLeftDuringAFetch();
     void theCoreCanGoDuringAFetch();
+    void aPageThatIsLeftKeepsNoCoverFromTheNext_data();
+    void aPageThatIsLeftKeepsNoCoverFromTheNext();
     void pagesAndTracksChangeInAnyOrder();
     void aSignalDuringAFetchEndsItCleanly_data();
     void aSignalDuringAFetchEndsItCleanly();
@@ -332,6 +334,38 @@ void CoverArtTest::theCoreCanGoDuringAFetch()
     m_appliance->publishCore("coreDetected", "true");
     QVERIFY(m_appliance->waitForPage("RoonPlayerWindow2"));
     QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::green), PatienceMs);
+}
+
+void CoverArtTest::aPageThatIsLeftKeepsNoCoverFromTheNext_data()
+{
+    QTest::addColumn<bool>("byCore");
+    // Which of the program's turns sees what of a burst is a matter of chance.
+    for (int attempt = 0; attempt < 4; ++attempt) {
+        QTest::addRow("core, %d", attempt) << true;
+        QTest::addRow("standby, %d", attempt) << false;
+    }
+}
+
+void CoverArtTest::aPageThatIsLeftKeepsNoCoverFromTheNext()
+{
+    QFETCH(bool, byCore);
+    m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
+    m_appliance->images.setBehaviour("last", picture(Qt::green));
+    for (int burst = 0; burst < 5; ++burst) {
+        play("hanging");
+        if (byCore) {
+            m_appliance->publishCore("coreDetected", "false");
+            m_appliance->publishCore("coreDetected", "true");
+        } else {
+            for (int press = 0; press < 3; ++press)
+                m_appliance->sendCommand(R"({"command":"toggle_standby"})");
+        }
+        play("last");
+        QVERIFY(m_appliance->waitForPage("RoonPlayerWindow2"));
+        QTRY_VERIFY_WITH_TIMEOUT(showsCover(Qt::green), PatienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(
+            m_appliance->program.probe().alive("RoonPlayerWindow2"), 1, PatienceMs);
+    }
 }
 
 void CoverArtTest::pagesAndTracksChangeInAnyOrder()

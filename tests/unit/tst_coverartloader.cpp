@@ -8,6 +8,8 @@
 
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTest>
@@ -166,6 +168,8 @@ private slots:
     void wishThatReturnsDuringItsFetchIsFetchedOnce();
     void destroyedLoaderAbandonsItsFetch();
     void nextLoaderIsServedAfterADestroyedOne();
+    void loaderThatNobodyStopsIsNotWaitedForLong();
+    void loaderOfAPageFetchesInAWindowOnly();
     void everyLoaderThatWaitsIsServed();
     void loaderThatWaitsIsServedBeforeAFurtherWish();
     void destroyedLoaderThatWaitsIsForgotten();
@@ -615,6 +619,45 @@ void TestCoverArtLoader::nextLoaderIsServedAfterADestroyedOne()
     QCOMPARE(requestsBefore, 0);
 }
 
+void TestCoverArtLoader::loaderThatNobodyStopsIsNotWaitedForLong()
+{
+    m_server->setBehaviour(QStringLiteral("A"), kind(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(QStringLiteral("B"), png(Qt::blue));
+    CoverArtLoader *const next = create();
+    m_loader->setWanted(urlOf(QStringLiteral("A")));
+    whenAskedFor("A", [next] { next->setWanted(urlOf(QStringLiteral("B"))); });
+    QTRY_COMPARE(next->source(), urlOf(QStringLiteral("B")));
+    QTRY_COMPARE(m_loader->source(), logo());
+    QCOMPARE(requestsFor("A"), 1);
+}
+
+void TestCoverArtLoader::loaderOfAPageFetchesInAWindowOnly()
+{
+    m_server->setBehaviour(QStringLiteral("A"), png(Qt::red));
+    QQmlComponent component(m_engine.get());
+    component.setData("import QtQuick 2.15\nimport Velunor.Images 1.0\n"
+                      "Item { property CoverArtLoader covers: CoverArtLoader {} }",
+        QUrl());
+    const QScopedPointer<QObject> made(component.create());
+    auto *const page = qobject_cast<QQuickItem *>(made.data());
+    QVERIFY2(page, qPrintable(component.errorString()));
+    auto *const covers = page->property("covers").value<CoverArtLoader *>();
+    QVERIFY(covers);
+    covers->setWanted(urlOf(QStringLiteral("A")));
+    QCoreApplication::processEvents();
+    QCOMPARE(m_provider->deepest, 0);
+
+    QQuickWindow window;
+    page->setParentItem(window.contentItem());
+    QTRY_COMPARE(covers->source(), urlOf(QStringLiteral("A")));
+
+    page->setParentItem(nullptr); // as a page is left
+    covers->setWanted(urlOf(QStringLiteral("B")));
+    QCoreApplication::processEvents();
+    QCOMPARE(requestsFor("B"), 0);
+    QCOMPARE(m_provider->depth, 0);
+}
+
 void TestCoverArtLoader::everyLoaderThatWaitsIsServed()
 {
     for (const char *key : { "A", "B", "C" })
@@ -724,5 +767,5 @@ void TestCoverArtLoader::randomWishesEndWithTheLast()
     log.clear(); // failed fetches are part of it
 }
 
-QTEST_GUILESS_MAIN(TestCoverArtLoader)
+QTEST_MAIN(TestCoverArtLoader)
 #include "tst_coverartloader.moc"
