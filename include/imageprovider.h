@@ -31,11 +31,10 @@ public:
     static bool isFetched(const QString &id);
 
     /**
-     * The picture @p id. @p size receives the size of a fetched picture and is left alone
-     * otherwise;
-     * @p requestedSize does not count, covers come in one size. A body that is no picture gives a
-     * null image; so does one of more than 32 MB, of which no more is read, and a picture of more
-     * than 8192 pixels a side.
+     * The picture @p id. The size of a fetched picture goes to @p size, which is left alone
+     * otherwise. What @p requestedSize says does not count, covers come in one size. A body that is
+     * no picture gives a null image; so does one of more than 32 MB, of which no more is read, and
+     * a picture of more than 8192 pixels a side.
      */
     QImage requestImage(const QString &id, QSize *size, const QSize &requestedSize) override;
 

@@ -53,9 +53,9 @@ public:
 public slots:
     /**
      * Publishes @p payload on @p topic. With @p cache, a payload equal to the last one that was
-     * published on this topic with @p cache is not sent again. A payload with @p
-     * cache is logged at debug level where one was cached before. While there is no connection
-     * nothing is sent, without a further word; the cache remembers the payload all the same.
+     * published on this topic with @p cache is not sent again, and a payload that comes after one
+     * which was not empty has its line in the log. While there is no connection nothing is sent,
+     * without a further word; the cache remembers the payload all the same.
      */
     void publish(QString topic, QByteArray payload, bool retain, uchar qos = 0, bool cache = false);
 

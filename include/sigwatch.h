@@ -34,9 +34,7 @@ signals:
 private:
     Q_DECLARE_PRIVATE(UnixSignalWatcher)
     Q_DISABLE_COPY(UnixSignalWatcher)
-    // In the meta-object only.  It is no member function that a connection could point to, so the
-    // private part has the notifier call its function through a lambda instead of connecting by
-    // name.
+    // Reached by its name in the meta-object; the private part connects to its own function.
     Q_PRIVATE_SLOT(d_func(), void _q_onNotify(int))
 
     UnixSignalWatcherPrivate *const d_ptr;

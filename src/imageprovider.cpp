@@ -124,7 +124,6 @@ QImage ImageProvider::fetchedImage(const QUrl &url, QSize *size)
     }
 
     const QImage image = decoded(reply->readAll());
-    reply->abort(); // what is too long has not ended yet
     if (size)
         *size = image.size();
     {

@@ -43,8 +43,7 @@ UnixSignalWatcherPrivate::UnixSignalWatcherPrivate(UnixSignalWatcher *watcher)
         return;
     }
     m_notifier = new QSocketNotifier(sockets[1], QSocketNotifier::Read);
-    connect(m_notifier, &QSocketNotifier::activated, this,
-        [this](QSocketDescriptor socket) { _q_onNotify(socket); });
+    connect(m_notifier, &QSocketNotifier::activated, this, &UnixSignalWatcherPrivate::_q_onNotify);
     m_notifier->setEnabled(true);
 }
 
