@@ -67,6 +67,10 @@ public:
      * afterwards. */
     void update();
 
+    /** The id of the zone whose state was copied last; empty before the first copy. For this
+     * program's own classes, not for the scene. */
+    QString copiedZoneId() const { return m_copiedZoneId; }
+
     /** Address of the cover art in the size of the cover on the player screen. */
     QString imageUrl() const;
 
@@ -268,6 +272,7 @@ private:
         const QString &arguments = QString(), bool cache = false) const;
     void sendRelativeVolume(const QString &id, float change) const;
 
+    QString m_copiedZoneId;
     QString m_previousRoonState = QStringLiteral("init");
     QString m_roonState = QStringLiteral("init");
     QString m_song;

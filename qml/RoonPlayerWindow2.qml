@@ -221,9 +221,10 @@ Rectangle {
         zoneId: controlledZone.zoneId
         volumeAvailable: Player.volumeAvailable
         volume: Player.volume
-        limitMinVolume: Player.limitMinVolume
-        limitMaxVolume: Player.limitMaxVolume
-        limitSoftVolume: Player.limitSoftVolume
+        // Until the zone's own limits are there, those of the zone before must not count for it.
+        limitMinVolume: controlledZone.shown ? Player.limitMinVolume : NaN
+        limitMaxVolume: controlledZone.shown ? Player.limitMaxVolume : NaN
+        limitSoftVolume: controlledZone.shown ? Player.limitSoftVolume : NaN
         volumeDisplayPrecision: root.volumePrecision
         volumeStep: Player.volumeStep
         onVolumeDown: Player.commandVolumeDown()

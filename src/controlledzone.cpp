@@ -13,17 +13,28 @@ ControlledZone::ControlledZone(const Player *player, const RoonZones *zones, QOb
     : QObject(parent)
     , m_player(player)
     , m_zones(zones)
-    , m_zoneId(zones->idByDisplayName(player->wantedZone()))
 {
+    look();
     connect(zones, &RoonZones::zonesChanged, this, &ControlledZone::look);
     connect(player, &Player::wantedZoneChanged, this, &ControlledZone::look);
-    // A group's members are part of its zone, and no signal tells of them. But after every message
-    // of a zone that has a volume the player notifies of the limits, changed or not.
+    // A group's members are part of its zone, and no signal tells of them, nor of the zone that the
+    // player has copied. But after every zone message, of whichever zone, the player notifies of
+    // the limits, changed or not, while the controlled zone has a volume. Without one there is
+    // nothing to be chosen.
     connect(player, &Player::limitSoftVolumeChanged, this, &ControlledZone::look);
+    connect(player, &Player::volumeAvailableChanged, this, &ControlledZone::look);
 }
 
 void ControlledZone::look()
 {
-    if (storeIfChanged(m_zoneId, m_zones->idByDisplayName(m_player->wantedZone())))
+    const bool otherZone
+        = storeIfChanged(m_zoneId, m_zones->idByDisplayName(m_player->wantedZone()));
+    // A zone that was gone and is listed again is not known until it speaks: what the player shows
+    // is from before.
+    const bool otherShown = storeIfChanged(
+        m_shown, m_zones->contains(m_zoneId) && m_player->copiedZoneId() == m_zoneId);
+    if (otherZone)
         emit zoneIdChanged();
+    if (otherShown)
+        emit shownChanged();
 }

@@ -90,6 +90,7 @@ void Player::update()
         return;
     }
 
+    m_copiedZoneId = id;
     setZone(zone->name());
     if (!zone->state().isEmpty())
         setRoonState(zone->state());

@@ -581,6 +581,29 @@ Item {
             dialog.close();
         }
 
+        function test_aRangeThatIsNotTheZonesIsNotOffered() {
+            tap(item("volumeBox"), 10, 10);
+            const dialog = item("volumeDialog");
+            tryCompare(dialog, "opened", true);
+            const slider = find(dialog, "volumeSlider");
+            const limits = ["minimumText", "maximumText", "softLimitText"];
+            for (const name of limits)
+                verify(find(dialog, name).text !== "", name);
+            item("controlledZone").shown = false;
+            for (const name of limits)
+                compare(find(dialog, name).text, "");
+            verify(!slider.handle.visible);
+            tap(slider, slider.width - 17, 20);
+            drag(slider, 17, 20, slider.width / 2, 20);
+            compare(Player.calls, []);
+            item("controlledZone").shown = true;
+            verify(slider.handle.visible);
+            compare(find(dialog, "softLimitText").text, "80");
+            tap(slider, slider.width - 17, 20);
+            compare(Player.calls, ["movedVolumeSlider 80"]);
+            dialog.close();
+        }
+
         function test_zoneChooserSpeaksToThePlayer() {
             // 9 pixels beyond the name's box still count.
             tap(item("zoneName"), -9, 10);

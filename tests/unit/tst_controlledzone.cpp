@@ -18,6 +18,11 @@ private slots:
     void anotherNameOfTheSameZoneIsNone();
     void otherNewsAreNone();
     void lookingWritesNothing();
+    void isNotShownBeforeItWasCopied();
+    void isNotShownWhileAnotherIs();
+    void isNotShownWithoutAZone();
+    void isNotShownWhenItCameBackSilent();
+    void isWholeBeforeItSpeaks();
 
 private:
     /** A zone object with a volume, as messages of the zone would make it. */
@@ -129,6 +134,90 @@ void TestControlledZone::lookingWritesNothing()
     emit RoonZones::instance()->zonesChanged();
     QCOMPARE(zone.zoneId(), QStringLiteral("g1"));
     QCOMPARE(m_log->take(), QStringList());
+}
+
+void TestControlledZone::isNotShownBeforeItWasCopied()
+{
+    m_zone->setVolumeAvailable(true);
+    const ControlledZone zone(m_player.get(), RoonZones::instance());
+    QSignalSpy changed(&zone, &ControlledZone::shownChanged);
+    QVERIFY(!zone.isShown());
+    m_player->update();
+    QVERIFY(zone.isShown());
+    m_player->update();
+    QCOMPARE(changed.count(), 1);
+    QVERIFY(ControlledZone(m_player.get(), RoonZones::instance()).isShown());
+}
+
+void TestControlledZone::isNotShownWhileAnotherIs()
+{
+    available(R"([{"id":"z1","name":"Kitchen"},{"id":"z2","name":"Bath"}])");
+    m_zone->setVolumeAvailable(true);
+    add(QStringLiteral("z2"), QStringLiteral("Bath"));
+    m_player->update();
+    const ControlledZone zone(m_player.get(), RoonZones::instance());
+    QSignalSpy changed(&zone, &ControlledZone::shownChanged);
+    available(R"([{"id":"z2","name":"Kitchen"}])");
+    QVERIFY(!zone.isShown());
+    QCOMPARE(changed.count(), 1);
+    m_player->update();
+    QVERIFY(zone.isShown());
+    QCOMPARE(changed.count(), 2);
+    // A zone that is known is copied when it is chosen, before anybody hears of the choice.
+    available(R"([{"id":"z2","name":"Kitchen"},{"id":"z3","name":"Hall"}])");
+    add(QStringLiteral("z3"), QStringLiteral("Hall"));
+    m_player->selectZone(QStringLiteral("Hall"));
+    QCOMPARE(zone.zoneId(), QStringLiteral("z3"));
+    QVERIFY(zone.isShown());
+    QCOMPARE(changed.count(), 2);
+}
+
+void TestControlledZone::isNotShownWithoutAZone()
+{
+    const ControlledZone none(m_player.get(), RoonZones::instance());
+    available("[]");
+    QCOMPARE(none.zoneId(), QString());
+    QVERIFY(!none.isShown());
+    available(R"([{"id":"z1","name":"Kitchen"}])");
+    add(QStringLiteral("z1"), QStringLiteral("Kitchen"));
+    m_player->update();
+    QVERIFY(none.isShown());
+    available("[]");
+    QVERIFY(!none.isShown());
+}
+
+void TestControlledZone::isNotShownWhenItCameBackSilent()
+{
+    m_zone->setVolumeAvailable(true);
+    m_player->update();
+    const ControlledZone zone(m_player.get(), RoonZones::instance());
+    available("[]");
+    available(R"([{"id":"z1","name":"Kitchen"}])");
+    QCOMPARE(zone.zoneId(), QStringLiteral("z1"));
+    QVERIFY(!zone.isShown());
+    m_player->update();
+    QVERIFY(!zone.isShown());
+    add(QStringLiteral("z1"), QStringLiteral("Kitchen"));
+    m_player->update();
+    QVERIFY(zone.isShown());
+}
+
+void TestControlledZone::isWholeBeforeItSpeaks()
+{
+    m_zone->setVolumeAvailable(true);
+    m_player->update();
+    ControlledZone zone(m_player.get(), RoonZones::instance());
+    int heard = 0;
+    connect(&zone, &ControlledZone::zoneIdChanged, &zone, [&] {
+        ++heard;
+        QVERIFY(!zone.isShown());
+    });
+    connect(&zone, &ControlledZone::shownChanged, &zone, [&] {
+        ++heard;
+        QCOMPARE(zone.zoneId(), QStringLiteral("z2"));
+    });
+    available(R"([{"id":"z2","name":"Kitchen"}])");
+    QCOMPARE(heard, 2);
 }
 
 QTEST_GUILESS_MAIN(TestControlledZone)

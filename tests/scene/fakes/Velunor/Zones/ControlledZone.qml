@@ -3,4 +3,5 @@ import QtQuick 2.15
 
 QtObject {
     property string zoneId: "z1"
+    property bool shown: true
 }
