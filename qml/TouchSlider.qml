@@ -2,6 +2,7 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
 import "."
+import "format.js" as Format
 
 /**
  * A slider wide enough for a finger.  It shows `source`, but never moves under the finger: while it is pressed, and
@@ -17,15 +18,15 @@ T.Slider {
     property real highest
     /** What lies between two values; 0 where every value counts. */
     property real step
-    /** By how much the source may differ from a value that was chosen when it has come back. */
+    /** By how much the source may differ from a value that was told when it has come back. */
     property real tolerance: 0
     readonly property bool hasRange: isFinite(lowest) && isFinite(highest) && lowest < highest
     property real chosenValue
     property bool interrupted: false
-    /** The chosen values that have not come back, in the order of choosing. */
+    /** The values that were told and have not come back, in the order of telling. */
     property var awaited: []
 
-    /** A finger has moved the handle to another value. */
+    /** A finger has moved the handle to another value, which is told to the tenth. */
     signal chosen(real value)
 
     /** Has the finger lose the handle: what it has begun ends here, and its lifting chooses nothing. */
@@ -47,26 +48,29 @@ T.Slider {
             put(isFinite(source) ? source : from);
     }
 
-    function isBack(chosenBefore) {
-        return Math.abs(source - chosenBefore) <= tolerance;
-    }
-
-    function expect(newValue) {
-        if (awaited.length > 0 || !isBack(newValue))
-            awaited.push(newValue);
+    /** No answer comes to a value that is told twice in a row, or that holds already. */
+    function expect(told) {
+        const before = awaited.length > 0 ? awaited[awaited.length - 1] : Format.tenth(source);
+        if (told !== before)
+            awaited.push(told);
         if (awaited.length > 1000) // a finger that never lifts, and nobody who answers
             awaited.shift();
     }
 
     // Values come back in the order of choosing, though not all do.  A finger may pass one value several times, and only
-    // the last time counts, so those before it have to be remembered.
+    // the last time counts, so those before it have to be remembered.  The tolerance may be larger than a step: then the
+    // nearest is meant.
     function recognise() {
-        let count = awaited.findIndex(isBack);
-        if (count < 0)
-            return;
-        while (count < awaited.length && isBack(awaited[count]))
-            ++count;
-        awaited.splice(0, count);
+        let nearest = -1;
+        let least = tolerance;
+        for (let i = 0; i < awaited.length; ++i) {
+            const apart = Math.abs(source - awaited[i]);
+            if (nearest < 0 ? apart <= least : apart < least) {
+                nearest = i;
+                least = apart;
+            }
+        }
+        awaited.splice(0, nearest + 1);
     }
 
     function put(newValue) {
@@ -111,8 +115,9 @@ T.Slider {
         put(choice(value));
         if (value === before)
             return;
-        expect(value);
-        chosen(value);
+        const told = Format.tenth(value);
+        expect(told);
+        chosen(told);
     }
 
     Component.onCompleted: follow()

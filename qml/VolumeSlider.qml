@@ -76,7 +76,7 @@ PanelPopup {
         tolerance: 0.151
         onChosen: {
             root.stopCloseTimer();
-            root.volumeMoved(Format.tenth(value));
+            root.volumeMoved(value);
         }
         onPressedChanged: {
             if (pressed)

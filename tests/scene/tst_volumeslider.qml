@@ -276,6 +276,52 @@ Item {
             handleIsAt(50 / 80);
         }
 
+        function openWithFineSteps(step) {
+            open({ volume: 0.5, limitMinVolume: 0, limitMaxVolume: 1, limitSoftVolume: 1, volumeStep: step,
+                   volumeDisplayPrecision: 1, zoneId: "z1" });
+        }
+
+        function test_aTapOnTheNextFineStepStays() {
+            openWithFineSteps(0.1);
+            tap(slider, grooveX(0.6), 21);
+            compare(lastMoved(), 0.6);
+            handleIsAt(0.6);
+            wait(50);
+            handleIsAt(0.6);
+            dialog.volume = Math.fround(0.6);
+            handleIsAt(0.6);
+            // It is back, so what comes next is somebody else's.
+            dialog.volume = Math.fround(0.3);
+            handleIsAt(0.3);
+        }
+
+        function test_fineStepsOnTheWayDoNotMoveTheHandle() {
+            openWithFineSteps(0.1);
+            passThrough([0.6, 0.7, 0.8, 0.9]).release(1, slider, handleX(0.9), 21).commit();
+            for (const volume of [0.6, 0.7, 0.8, 0.9]) {
+                dialog.volume = Math.fround(volume);
+                handleIsAt(0.9);
+            }
+            dialog.volume = Math.fround(0.3);
+            handleIsAt(0.3);
+        }
+
+        function test_placesThatAreToldAsOneComeBackAsOne() {
+            openWithFineSteps(0);
+            const touch = touchEvent(slider);
+            touch.press(1, slider, grooveX(0.5), 21).commit();
+            for (const place of [0.6, 0.81, 0.82, 0.83]) {
+                const before = moved.count;
+                touch.move(1, slider, grooveX(place), 21).commit();
+                tryVerify(function() { return moved.count > before; });
+            }
+            compare(lastMoved(), 0.8);
+            touch.release(1, slider, grooveX(0.83), 21).commit();
+            dialog.volume = Math.fround(0.8);
+            dialog.volume = Math.fround(0.3);
+            handleIsAt(0.3);
+        }
+
         // The player takes a difference of 0.1 for none, and a command has one decimal only.
         function test_aValueComesBackAsNearAsThePlayerTakesIt_data() {
             return [ { tag: "below", step: 0.1, off: -0.1 }, { tag: "above", step: 0.1, off: 0.1 },
