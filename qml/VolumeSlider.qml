@@ -27,16 +27,24 @@ PanelPopup {
             close();
     }
 
+    function interrupt() {
+        slider.interrupt();
+        downIcon.interrupt();
+        upIcon.interrupt();
+    }
+
     objectName: "volumeDialog"
     panelWidth: 600
     panelHeight: 200
     radius: 4
     border.color: Theme.popupBorder
-    onZoneIdChanged: slider.interrupt()
+    onZoneIdChanged: interrupt()
     onVolumeAvailableChanged: closeWithoutVolume()
     onOpened: closeWithoutVolume()
 
     VolumeStepIcon {
+        id: downIcon
+
         objectName: "volumeDown"
         x: 15
         y: 62
@@ -49,6 +57,8 @@ PanelPopup {
     }
 
     VolumeStepIcon {
+        id: upIcon
+
         objectName: "volumeUp"
         x: 505
         y: 62

@@ -3,6 +3,13 @@ import QtQuick 2.15
 
 /** One of the two icons beside the volume slider. */
 IconButton {
+    /** Has the finger lose the icon: its lifting is no touch of it. */
+    function interrupt() {
+        // An item that is disabled is taken away from the finger that holds it.
+        enabled = false;
+        enabled = true;
+    }
+
     width: 75
     height: 75
 }

@@ -52,6 +52,8 @@ private slots:
     void volumeDragEndsWithItsZone();
     void volumeRangeIsNotLentToAnotherZone_data();
     void volumeRangeIsNotLentToAnotherZone();
+    void volumeStepEndsWithItsZone_data();
+    void volumeStepEndsWithItsZone();
     void volumeDragOutlivesNewsOfOtherZones();
     void volumeDialogGoesWithTheVolume();
     void volumeDialogClosesBesideATouch();
@@ -593,6 +595,29 @@ void PlayingTest::volumeRangeIsNotLentToAnotherZone()
     QVERIFY(slide(sliderPlace(0.25), sliderPlace(1)));
     QVERIFY(m_appliance.services.waitFor(
         CommandTopic, R"({"command":"set_volume","how":"absolute","value":-40.0,"zone_id":"z2"})"));
+    QVERIFY(closeVolumeDialog());
+}
+
+void PlayingTest::volumeStepEndsWithItsZone_data()
+{
+    QTest::addColumn<QString>("icon");
+    QTest::newRow("up") << "volumeUp";
+    QTest::newRow("down") << "volumeDown";
+}
+
+void PlayingTest::volumeStepEndsWithItsZone()
+{
+    QFETCH(QString, icon);
+    QVERIFY(openVolumeDialog());
+    const QPointF place = probe().centre(icon);
+    QVERIFY(probe().press(place));
+    m_appliance.publishZones(R"([{"id":"z2","name":"Kitchen"}])");
+    QVERIFY(m_appliance.handled());
+    QVERIFY(probe().release(place));
+    QVERIFY(m_appliance.handled());
+    QCOMPARE(m_appliance.commands(), QList<QByteArray>());
+    QVERIFY(probe().tap(place));
+    QTRY_COMPARE_WITH_TIMEOUT(m_appliance.commands().size(), 1, PatienceMs);
     QVERIFY(closeVolumeDialog());
 }
 

@@ -560,6 +560,28 @@ Item {
             handleIsAt(30 / 80);
         }
 
+        function test_aStepEndsWithItsZone_data() {
+            return [ { tag: "up", on: "volumeUp" }, { tag: "down", on: "volumeDown" },
+                     { tag: "up, moving", on: "volumeUp", moves: true }, { tag: "down, moving", on: "volumeDown", moves: true } ];
+        }
+
+        function test_aStepEndsWithItsZone(row) {
+            const icon = find(dialog, row.on);
+            const touch = touchEvent(icon);
+            touch.press(1, icon, 30, 30).commit();
+            dialog.zoneId = "z2";
+            if (row.moves)
+                touch.move(1, icon, 35, 32).commit();
+            touch.release(1, icon, 35, 32).commit();
+            mousePress(icon, 30, 30);
+            dialog.zoneId = "z3";
+            mouseRelease(icon, 30, 30);
+            compare(up.count + down.count, 0);
+            // The next one is the new zone's.
+            tap(icon);
+            compare(up.count + down.count, 1);
+        }
+
         function test_theWaitEndsWithItsZone_data() {
             return [ { tag: "zone first", values: { zoneId: "z2", volume: 10 } },
                      { tag: "volume first", values: { volume: 10, zoneId: "z2" } },
