@@ -134,7 +134,10 @@ Item {
         }
 
         function test_stepsAreReportedWithTheSlidersValue() {
+            closeTimer.stop();
             tap(find(dialog, "volumeDown"));
+            verify(closeTimer.running);
+            closeTimer.stop();
             verify(logged("info: VOLUME DOWN"));
             compare(down.count, 1);
             compare(down.signalArguments[0][0], 30);
@@ -464,18 +467,25 @@ Item {
         }
 
         function test_aRangeThatChangesUnderTheFingerEndsTheDrag_data() {
-            return [ { tag: "goes", soft: 0 }, { tag: "becomes smaller", soft: 50 }, { tag: "becomes larger", soft: 90 } ];
+            return [ { tag: "goes", limit: "limitSoftVolume", to: 0 },
+                     { tag: "smaller above", limit: "limitSoftVolume", to: 50 },
+                     { tag: "larger above", limit: "limitSoftVolume", to: 90 },
+                     { tag: "smaller below", limit: "limitMinVolume", to: 20 },
+                     { tag: "larger below", limit: "limitMinVolume", to: -40 } ];
         }
 
         function test_aRangeThatChangesUnderTheFingerEndsTheDrag(row) {
             const touch = drag(slider, handleX(30), 21, handleX(60), 21, false);
             tryVerify(function() { return moved.count > 0 && lastMoved() === 60; });
-            dialog.limitSoftVolume = row.soft;
+            const before = dialog[row.limit];
+            dialog[row.limit] = row.to;
             moved.clear();
-            touch.release(1, slider, grooveX(60 / 80), 21).commit();
+            touch.move(1, slider, grooveX(0.4), 21).commit();
+            wait(0);
+            touch.release(1, slider, grooveX(0.4), 21).commit();
             compare(moved.count, 0);
             verify(closeTimer.running);
-            dialog.limitSoftVolume = 80;
+            dialog[row.limit] = before;
             handleIsAt(30 / 80);
             tap(slider, grooveX(0.5), 21);
             compare(lastMoved(), 40);
