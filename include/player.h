@@ -147,7 +147,8 @@ public:
     float maxVolume() const { return m_maxVolume; }
     void setMaxVolume(float value);
 
-    // The limits are no numbers while the zone has not told them.
+    // The limits are 0 before the first copy, and no numbers while the zone that was copied has not
+    // told them. While a zone has no volume, those of the zone before stay.
     float limitMinVolume() const { return m_limitMinVolume; }
     void setLimitMinVolume(float value);
 
