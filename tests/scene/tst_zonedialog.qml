@@ -99,6 +99,17 @@ Item {
             verify(list.itemAtIndex(0).children[0].truncated);
         }
 
+        function test_anEndlessNameIsLaidOutAsFarAsItCanBeSeen() {
+            const endless = "0123456789".repeat(100000);
+            dialog.zones = ["Bath", endless];
+            compare(list.itemAtIndex(1).children[0].text.length, 2000);
+            verify(list.itemAtIndex(1).children[0].truncated);
+            // It is chosen as it is called.
+            tap(list.itemAtIndex(1));
+            compare(selected.count, 1);
+            verify(selected.signalArguments[0][0] === endless);
+        }
+
         function test_markupInANameIsShownAsItIs() {
             dialog.zones = ["<b>Bath</b> &amp; Hall"];
             compare(list.itemAtIndex(0).children[0].text, "<b>Bath</b> &amp; Hall");
@@ -114,6 +125,19 @@ Item {
             compare(selected.signalArguments[0][0], "Hall");
             verify(!dialog.visible);
             verify(!closeTimer.running);
+        }
+
+        function test_aTapStopsTheTimerThenClosesThenSelects() {
+            const steps = [];
+            function note(what) {
+                steps.push(what + (closeTimer.running ? ", timed" : ", untimed") + (dialog.visible ? ", open" : ", closed"));
+            }
+            dialog.aboutToHide.connect(function() { note("closing"); });
+            dialog.closed.connect(function() { note("closed"); });
+            dialog.zoneSelected.connect(function() { note("selected"); });
+            verify(closeTimer.running);
+            tap(list.itemAtIndex(1));
+            compare(steps, ["closing, untimed, open", "closed, untimed, closed", "selected, untimed, closed"]);
         }
 
         function test_everyOpeningBeginsAtTheFirstRow() {
@@ -364,12 +388,19 @@ Item {
             compare(selected.count, 1);
         }
 
-        function test_aFingerThatJumpsSelectsNothing() {
+        // Nothing tells the list to take such a finger: it moves no more before it lifts.
+        function test_aFingerThatJumpsSelectsNothing_data() {
+            return [ { tag: "sideways", dx: 100, dy: 0 }, { tag: "down within the row", dx: 0, dy: 15 },
+                     { tag: "up within the row", dx: 0, dy: -15 } ];
+        }
+
+        function test_aFingerThatJumpsSelectsNothing(row) {
             const name = list.itemAtIndex(1);
             const touch = touchEvent(name);
             touch.press(1, name, 300, 24).commit();
-            touch.release(1, name, 400, 24).commit();
+            touch.release(1, name, 300 + row.dx, 24 + row.dy).commit();
             compare(selected.count, 0);
+            verify(dialog.visible);
         }
 
         function test_aTouchThatStopsTheListSelectsNothing() {
