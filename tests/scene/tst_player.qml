@@ -541,10 +541,10 @@ Item {
             compare(Player.calls, ["commandVolumeDown", "commandVolumeUp"]);
             Player.calls = [];
             const slider = find(dialog, "volumeSlider");
-            compare(slider.to, 80);
-            drag(slider, slider.width / 2, 20, slider.width / 2 + 100, 20);
+            // The right end is the soft limit.
+            drag(slider, slider.width / 2, 20, slider.width - 1, 20);
             verify(Player.calls.length > 0);
-            compare(Player.calls[Player.calls.length - 1], "movedVolumeSlider " + slider.value);
+            compare(Player.calls[Player.calls.length - 1], "movedVolumeSlider 80");
             compare(Player.calls.filter(function(call) { return call.indexOf("movedVolumeSlider ") !== 0; }), []);
             dialog.close();
         }
