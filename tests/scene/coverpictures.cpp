@@ -17,6 +17,11 @@ QImage CoverPictures::requestImage(const QString &id, QSize *size, const QSize &
         return QImage();
 
     QImage picture(402, 402, QImage::Format_RGB32);
+    if (id == QLatin1String("edge")) {
+        picture.fill(Qt::black);
+        QPainter(&picture).fillRect(0, 0, 301, picture.height(), Qt::white);
+        return picture;
+    }
     const int hue = int(qHash(id, 0) % 360);
     QLinearGradient gradient(0, 0, picture.width(), picture.height());
     gradient.setColorAt(0, QColor::fromHsv(hue, 200, 230));

@@ -37,6 +37,7 @@ Item {
             tryVerify(function() { return background() > 20; });
             const blur = find(page, "blur").item;
             verify(blur.cached);
+            // The numbers are asked for; what they look like, test_anEdgeIsSpreadAndDim() tells.
             compare(blur.opacity, 0.2);
             compare(blur.deviation, 9);
             compare(blur.radius, 32);
@@ -44,6 +45,24 @@ Item {
             Settings.ShowBlurBackground = false;
             tryVerify(function() { return background() === 0; });
             compare(find(page, "blur").item, null);
+        }
+
+        /** The picture that is white up to x = 600 and black from there. */
+        function test_anEdgeIsSpreadAndDim() {
+            Player.imageKey = "edge";
+            function at(x) {
+                return grabImage(page).red(x, 190);
+            }
+            tryVerify(function() { return at(540) > 20; });
+            // A fifth of white, which fades over 32 pixels to either side.
+            fuzzyCompare(at(540), 51, 1);
+            fuzzyCompare(at(564), 51, 1);
+            fuzzyCompare(at(576), 43, 3);
+            fuzzyCompare(at(588), 34, 3);
+            fuzzyCompare(at(600), 25, 3);
+            fuzzyCompare(at(612), 14, 3);
+            fuzzyCompare(at(624), 5, 3);
+            fuzzyCompare(at(636), 0, 1);
         }
 
         function test_newCoverNewBackground() {
