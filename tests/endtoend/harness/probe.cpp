@@ -185,12 +185,34 @@ bool Probe::resize(const QSize &size)
 
 QImage Probe::picture()
 {
-    const QTemporaryDir directory;
-    const QString file = directory.filePath(QStringLiteral("picture.png"));
-    if (!carriedOut(
-            { { QStringLiteral("op"), QStringLiteral("grab") }, { QStringLiteral("file"), file } }))
-        return {};
-    return QImage(file);
+    return grabbed({ { QStringLiteral("op"), QStringLiteral("grab") } });
+}
+
+QImage Probe::picture(const Target &item)
+{
+    return grabbed({ { QStringLiteral("op"), QStringLiteral("grab") },
+        { QStringLiteral("item"), item.selector } });
+}
+
+QJsonArray Probe::scene()
+{
+    return request({ { QStringLiteral("op"), QStringLiteral("scene") } })
+        .value(QLatin1String("items"))
+        .toArray();
+}
+
+QJsonArray Probe::scene(const Target &item)
+{
+    return request({ { QStringLiteral("op"), QStringLiteral("scene") },
+                       { QStringLiteral("item"), item.selector } })
+        .value(QLatin1String("items"))
+        .toArray();
+}
+
+bool Probe::pass(std::chrono::milliseconds time)
+{
+    return carriedOut({ { QStringLiteral("op"), QStringLiteral("pass") },
+        { QStringLiteral("milliseconds"), static_cast<int>(time.count()) } });
 }
 
 int Probe::frames()
@@ -265,6 +287,16 @@ bool Probe::carriedOut(const QJsonObject &order)
     qWarning("%s: %s", QJsonDocument(order).toJson(QJsonDocument::Compact).constData(),
         qUtf8Printable(error));
     return false;
+}
+
+QImage Probe::grabbed(QJsonObject order)
+{
+    const QTemporaryDir directory;
+    const QString file = directory.filePath(QStringLiteral("picture.png"));
+    order.insert(QStringLiteral("file"), file);
+    if (!carriedOut(order))
+        return {};
+    return QImage(file);
 }
 
 QJsonArray Probe::items(const Target &item, const QStringList &properties)

@@ -93,6 +93,17 @@ public:
     bool resize(const QSize &size);
     /** What the window shows; null, with a message, when it cannot be had.  Draws a frame. */
     QImage picture();
+    /**
+     * What the first item that matches looks like by itself, and if it is hidden as well; null,
+     * with a message, when there is none.
+     */
+    QImage picture(const Target &item);
+    /** All that is shown, or only what is shown in the first item that matches; see
+     * SceneDescription. */
+    QJsonArray scene();
+    QJsonArray scene(const Target &item);
+    /** Puts the clock of the scene's animations and timers forward. */
+    bool pass(std::chrono::milliseconds time);
     /** Frames drawn since the last call; the first call begins the counting and gives 0. */
     int frames();
     /**
@@ -118,6 +129,7 @@ private:
     bool connectToProgram();
     bool touch(const QString &operation, const QPointF &place, int finger);
     bool carriedOut(const QJsonObject &request);
+    QImage grabbed(QJsonObject request);
     QJsonArray items(const Target &item, const QStringList &properties = {});
 
     QString m_path;

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "probeserver.h"
 
+#include "animationclock.h"
 #include "clock.h"
+#include "scenedescription.h"
 #include "selector.h"
 #include "values.h"
 
@@ -55,6 +57,18 @@ QPointF centreOf(const QQuickItem *item)
     return item->mapToScene({ item->width() / 2, item->height() / 2 });
 }
 
+/** What the item looks like by itself, shown or not. */
+QImage pictureOf(QQuickItem *item)
+{
+    const QSharedPointer<QQuickItemGrabResult> grabbed = item->grabToImage();
+    if (!grabbed)
+        return {};
+    QEventLoop loop;
+    QObject::connect(grabbed.data(), &QQuickItemGrabResult::ready, &loop, &QEventLoop::quit);
+    loop.exec();
+    return grabbed->image();
+}
+
 /**
  * What the window shows.  The offscreen platform cannot give the picture of a window that is drawn
  * by the software renderer; then the scene is rendered once more, into a picture, and laid on the
@@ -65,15 +79,10 @@ QImage pictureOf(QQuickWindow *window)
     const QImage direct = window->grabWindow();
     if (!direct.isNull())
         return direct;
-    const QSharedPointer<QQuickItemGrabResult> scene = window->contentItem()->grabToImage();
-    if (!scene)
-        return {};
-    QEventLoop loop;
-    QObject::connect(scene.data(), &QQuickItemGrabResult::ready, &loop, &QEventLoop::quit);
-    loop.exec();
-    QImage image(scene->image().size(), QImage::Format_RGB32);
+    const QImage scene = pictureOf(window->contentItem());
+    QImage image(scene.size(), QImage::Format_RGB32);
     image.fill(window->color());
-    QPainter(&image).drawImage(0, 0, scene->image());
+    QPainter(&image).drawImage(0, 0, scene);
     return image;
 }
 
@@ -132,15 +141,24 @@ QJsonObject ProbeServer::answer(const QJsonObject &request)
         return { { QStringLiteral("heard"), m_signals.count() } };
     if (operation == QLatin1String("seen"))
         return { { QStringLiteral("seen"), m_watch.seen() } };
+    if (operation == QLatin1String("pass")) {
+        AnimationClock().pass(request.value(QLatin1String("milliseconds")).toInt());
+        return {};
+    }
 
     QQuickWindow *const window = shownWindow();
     if (!window)
         return error(QStringLiteral("no window is shown"));
     if (operation == QLatin1String("items"))
         return items(request, window);
+    if (operation == QLatin1String("scene"))
+        return scene(request, window);
     if (operation == QLatin1String("grab"))
         return grab(request, window);
     if (operation == QLatin1String("resize")) {
+        // There, the screen has one size, and a full-screen window no other.
+        if (QGuiApplication::platformName() == QLatin1String("offscreen"))
+            window->setWindowState(Qt::WindowNoState);
         window->setGeometry(0, 0, request.value(QLatin1String("width")).toInt(),
             request.value(QLatin1String("height")).toInt());
         return {};
@@ -230,6 +248,19 @@ QJsonObject ProbeServer::items(const QJsonObject &request, const QQuickWindow *w
     return { { QStringLiteral("items"), list } };
 }
 
+QJsonObject ProbeServer::scene(const QJsonObject &request, const QQuickWindow *window)
+{
+    QQuickItem *root = window->contentItem();
+    if (request.contains(QLatin1String("item"))) {
+        const QList<QQuickItem *> found
+            = Selector(request.value(QLatin1String("item")).toObject()).items(window);
+        if (found.isEmpty())
+            return error(QStringLiteral("no such item"));
+        root = found.first();
+    }
+    return { { QStringLiteral("items"), SceneDescription(root).items() } };
+}
+
 QJsonObject ProbeServer::objects(const QJsonObject &request)
 {
     const QJsonArray names = propertyNames(request);
@@ -265,9 +296,18 @@ QJsonObject ProbeServer::set(const QJsonObject &request)
 
 QJsonObject ProbeServer::grab(const QJsonObject &request, QQuickWindow *window)
 {
-    const QImage image = pictureOf(window);
+    QImage image;
+    if (request.contains(QLatin1String("item"))) {
+        const QList<QQuickItem *> found
+            = Selector(request.value(QLatin1String("item")).toObject()).items(window);
+        if (found.isEmpty())
+            return error(QStringLiteral("no such item"));
+        image = pictureOf(found.first());
+    } else {
+        image = pictureOf(window);
+    }
     if (image.isNull())
-        return error(QStringLiteral("the window gives no picture"));
+        return error(QStringLiteral("there is no picture"));
     if (!image.save(request.value(QLatin1String("file")).toString()))
         return error(QStringLiteral("the picture cannot be written"));
     return { { QStringLiteral("width"), image.width() },

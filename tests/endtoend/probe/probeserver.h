@@ -26,7 +26,11 @@ class QTouchDevice;
  * - "objects": the live objects that match "object", with type and named "properties".
  * - "count": how many live objects match "object".
  * - "set": writes "value" to "property" of the first live object that matches "object".
- * - "grab": writes what the window shows to "file", a path ending in .png; answers width, height.
+ * - "scene": describes all that is shown, or only "item" with all that is shown in it, see
+ * SceneDescription.
+ * - "grab": writes what the window shows, or what "item" looks like by itself, to "file", a path
+ * ending in .png; answers width, height.
+ * - "pass": puts the clock of animations and QML timers forward by "milliseconds".
  * - "resize": asks for the window's size, "width" and "height", at the origin of the screen.
  * - "frames": the frames drawn since the last such request; 0 for the first.
  * - "listen": begins to count the emissions of the argumentless "signals" of the first live object
@@ -58,6 +62,7 @@ private:
     QJsonObject answer(const QJsonObject &request);
     QJsonObject touch(const QString &operation, const QJsonObject &request, QQuickWindow *window);
     static QJsonObject items(const QJsonObject &request, const QQuickWindow *window);
+    static QJsonObject scene(const QJsonObject &request, const QQuickWindow *window);
     static QJsonObject objects(const QJsonObject &request);
     static QJsonObject count(const QJsonObject &request);
     static QJsonObject set(const QJsonObject &request);
