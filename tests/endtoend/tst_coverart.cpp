@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "appliance.h"
+#include "likeness.h"
 #include "waiting.h"
 
 #include <QTest>
@@ -434,8 +435,9 @@ QColor CoverArtTest::coverColour()
 
 bool CoverArtTest::showsLogo()
 {
-    return m_appliance->program.probe().property("coverPicture", "source")
-        == QJsonValue("image://velunor/__VELUNOR_LOGO__");
+    Probe &probe = m_appliance->program.probe();
+    const QString logo = "images/Velunor_logo_v020-07.png";
+    return drawnFile(probe.picture(), probe.area("coverPicture"), { logo }) == logo;
 }
 
 QTEST_GUILESS_MAIN(CoverArtTest)
