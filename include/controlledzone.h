@@ -29,7 +29,8 @@ public:
     /** The id of the zone that a command of the player would go to now; empty without one. */
     QString zoneId() const { return m_zoneId; }
 
-    /** Whether the player's volume and limits are those of this zone. */
+    /** Whether the player has copied this zone; its volume and limits are this zone's then, if it
+     * has a volume. */
     bool isShown() const { return m_shown; }
 
 signals:

@@ -55,6 +55,7 @@ private:
     void load();
     void patienceEnded();
     void serverMoved();
+    bool isOutOfWindow() const;
     void setSource(const QUrl &url);
 
     QUrl m_wanted;

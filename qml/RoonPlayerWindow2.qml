@@ -227,8 +227,9 @@ Rectangle {
         limitSoftVolume: controlledZone.shown ? Player.limitSoftVolume : NaN
         volumeDisplayPrecision: root.volumePrecision
         volumeStep: Player.volumeStep
-        onVolumeDown: Player.commandVolumeDown()
-        onVolumeUp: Player.commandVolumeUp()
+        // A step of the zone before is none of this one's.
+        onVolumeDown: if (controlledZone.shown) Player.commandVolumeDown()
+        onVolumeUp: if (controlledZone.shown) Player.commandVolumeUp()
         onVolumeMoved: Player.movedVolumeSlider(value)
     }
 

@@ -81,7 +81,7 @@ void CoverArtLoader::load()
     if (fetching) {
         if (!waitingLoaders.contains(this))
             waitingLoaders.append(this);
-        if (!m_waitingFor && !m_patience.isActive())
+        if (!m_waitingFor && !m_patience.isActive() && !isOutOfWindow())
             m_patience.start();
         return;
     }
@@ -93,11 +93,9 @@ void CoverArtLoader::load()
         setSource(url);
         return;
     }
-    const auto *const page = qobject_cast<const QQuickItem *>(parent());
-    if (page && !page->window()) {
-        // It is still being made; or it has been left, and a fetch would keep it from its end.
-        connect(page, &QQuickItem::windowChanged, this, &CoverArtLoader::schedule,
-            Qt::UniqueConnection);
+    if (isOutOfWindow()) {
+        connect(qobject_cast<QQuickItem *>(parent()), &QQuickItem::windowChanged, this,
+            &CoverArtLoader::schedule, Qt::UniqueConnection);
         return;
     }
 
@@ -139,8 +137,16 @@ void CoverArtLoader::patienceEnded()
 {
     if (m_waitingFor && m_wanted == m_loading)
         setSource(logo());
-    else if (ImageProvider *const provider = providerFor(this))
+    else if (ImageProvider *const provider = m_waitingFor ? m_waitingFor : providerFor(this))
         provider->abandonFetches(); // of what is not wanted here any more, or of another loader
+}
+
+// A page in no window is still being made; or it has been left, and a fetch would keep it from its
+// end.
+bool CoverArtLoader::isOutOfWindow() const
+{
+    const auto *const page = qobject_cast<const QQuickItem *>(parent());
+    return page && !page->window();
 }
 
 void CoverArtLoader::serverMoved()

@@ -631,8 +631,10 @@ void PlayingTest::volumeStepEndsWithItsZone()
     QVERIFY(probe().release(place));
     QVERIFY(m_appliance.handled());
     QCOMPARE(m_appliance.commands(), QList<QByteArray>());
+    // Nor does a new tap send the former zone's step, before the new zone has spoken.
     QVERIFY(probe().tap(place));
-    QTRY_COMPARE_WITH_TIMEOUT(m_appliance.commands().size(), 1, PatienceMs);
+    QVERIFY(m_appliance.handled());
+    QCOMPARE(m_appliance.commands(), QList<QByteArray>());
     QVERIFY(closeVolumeDialog());
 }
 

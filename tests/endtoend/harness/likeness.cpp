@@ -12,6 +12,8 @@ QImage expected(const QString &file, const QRectF &area, const QPoint &origin, c
     double opacity)
 {
     const QImage picture(QStringLiteral(TOUCHUI_CHECKOUT "/") + file);
+    if (picture.isNull()) // it would be drawn as black, which a blank area is like
+        qFatal("%s cannot be read", qUtf8Printable(file));
     QRectF place(QPointF(), QSizeF(picture.size()).scaled(area.size(), Qt::KeepAspectRatio));
     place.moveCenter(area.center() - origin);
     QImage drawn(size, QImage::Format_RGB32);
