@@ -6,46 +6,23 @@
 
 /**
  * The latest Spotify state, kept at hand in the process: a store without signals that messaging
- * writes by name. Main thread only.
+ * writes by name. Position and length are seconds; all is empty or 0 until published. Main thread
+ * only.
  */
 class Spotify : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString state READ state WRITE setState)
-    Q_PROPERTY(
-        uint nowPlaying_seekPosition READ nowPlayingSeekPosition WRITE setNowPlayingSeekPosition)
-    Q_PROPERTY(uint nowPlaying_length READ nowPlayingLength WRITE setNowPlayingLength)
-    Q_PROPERTY(QString nowPlaying_album READ nowPlayingAlbum WRITE setNowPlayingAlbum)
-    Q_PROPERTY(QString nowPlaying_song READ nowPlayingSong WRITE setNowPlayingSong)
-    Q_PROPERTY(QString nowPlaying_artist READ nowPlayingArtist WRITE setNowPlayingArtist)
-    Q_PROPERTY(QString nowPlaying_imageUrl READ nowPlayingImageUrl WRITE setNowPlayingImageUrl)
+    Q_PROPERTY(QString state MEMBER m_state)
+    Q_PROPERTY(uint nowPlaying_seekPosition MEMBER m_nowPlayingSeekPosition)
+    Q_PROPERTY(uint nowPlaying_length MEMBER m_nowPlayingLength)
+    Q_PROPERTY(QString nowPlaying_album MEMBER m_nowPlayingAlbum)
+    Q_PROPERTY(QString nowPlaying_song MEMBER m_nowPlayingSong)
+    Q_PROPERTY(QString nowPlaying_artist MEMBER m_nowPlayingArtist)
+    Q_PROPERTY(QString nowPlaying_imageUrl MEMBER m_nowPlayingImageUrl)
 
 public:
     static Spotify *instance();
 
     explicit Spotify(QObject *parent = nullptr);
-
-    QString state() const { return m_state; }
-    void setState(const QString &value) { m_state = value; }
-
-    /** Seconds since the track began. */
-    uint nowPlayingSeekPosition() const { return m_nowPlayingSeekPosition; }
-    void setNowPlayingSeekPosition(uint value) { m_nowPlayingSeekPosition = value; }
-
-    /** Seconds. */
-    uint nowPlayingLength() const { return m_nowPlayingLength; }
-    void setNowPlayingLength(uint value) { m_nowPlayingLength = value; }
-
-    QString nowPlayingAlbum() const { return m_nowPlayingAlbum; }
-    void setNowPlayingAlbum(const QString &value) { m_nowPlayingAlbum = value; }
-
-    QString nowPlayingSong() const { return m_nowPlayingSong; }
-    void setNowPlayingSong(const QString &value) { m_nowPlayingSong = value; }
-
-    QString nowPlayingArtist() const { return m_nowPlayingArtist; }
-    void setNowPlayingArtist(const QString &value) { m_nowPlayingArtist = value; }
-
-    QString nowPlayingImageUrl() const { return m_nowPlayingImageUrl; }
-    void setNowPlayingImageUrl(const QString &value) { m_nowPlayingImageUrl = value; }
 
 private:
     QString m_state;

@@ -265,7 +265,7 @@ void TestNavigationController::become(Situation situation, bool updating)
     Roon::instance()->setCoreDetected(coreDetected);
     Player::instance()->setZone(
         situation == ZoneMissing ? QStringLiteral("UNKNOWN") : QStringLiteral("Kitchen"));
-    VelunorState::instance()->setUpdateInstalling(updating);
+    VelunorState::instance()->setProperty("UpdateInstalling", updating);
 }
 
 /** A navigation that has gone to @p screen, with an empty record of signals and log. */
