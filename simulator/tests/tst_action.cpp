@@ -1,7 +1,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "action.h"
+#include "actionkind.h"
+#include "markdowntable.h"
 
+#include <QRegularExpression>
 #include <QTest>
+
+namespace {
+
+/** What stands between back-quotes in a cell that is nothing but a list of such. */
+QStringList codes(const QString &cell)
+{
+    QStringList found;
+    QRegularExpressionMatchIterator matches
+        = QRegularExpression(QStringLiteral("`([^`]*)`")).globalMatch(cell);
+    while (matches.hasNext())
+        found.append(matches.next().captured(1));
+    return found;
+}
+
+} // namespace
 
 class ActionTest : public QObject {
     Q_OBJECT
@@ -12,7 +30,10 @@ private slots:
     void isPrintedWithItsArguments();
     void malformedTellsWhatWasExpected_data();
     void malformedTellsWhatWasExpected();
+    void everyKindCanBeCarriedOut_data();
+    void everyKindCanBeCarriedOut();
     void overviewNamesEveryAction();
+    void documentNamesEveryActionWithItsArguments();
 };
 
 void ActionTest::wordsAndJsonMeanTheSame_data()
@@ -110,11 +131,57 @@ void ActionTest::malformedTellsWhatWasExpected()
     QVERIFY(action.name.isEmpty());
 }
 
+void ActionTest::everyKindCanBeCarriedOut_data()
+{
+    QTest::addColumn<int>("index");
+    for (int i = 0; i < ActionKind::all().size(); ++i)
+        QTest::newRow(ActionKind::all().at(i).name) << i;
+}
+
+void ActionTest::everyKindCanBeCarriedOut()
+{
+    QFETCH(int, index);
+    const ActionKind &kind = ActionKind::all().at(index);
+    QVERIFY(kind.carryOut);
+    QCOMPARE(ActionKind::find(QString::fromLatin1(kind.name)), &kind); // no name twice
+}
+
 void ActionTest::overviewNamesEveryAction()
 {
     const QStringList lines = Action::overview().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    QVERIFY(lines.size() > 20);
+    QCOMPARE(lines.size(), ActionKind::all().size());
     QVERIFY(lines.filter(QStringLiteral("image mode=… [ms=…]")).size() == 1);
+}
+
+void ActionTest::documentNamesEveryActionWithItsArguments()
+{
+    const QStringList documentedZone { QStringLiteral("zone") };
+    QStringList documented;
+    bool takesZone = false; // "From play to ungroup"
+    const QList<QStringList> rows = markdownTable(
+        QStringLiteral(TOUCHUI_DOCUMENTS "/scenarios.md"), QStringLiteral("Action"));
+    for (const QStringList &row : rows.mid(1)) {
+        QCOMPARE(row.size(), 3);
+        for (const QString &name : codes(row.at(0))) {
+            documented.append(name);
+            if (name == QLatin1String("repeat"))
+                continue; // the scenario's own
+            const ActionKind *const kind = ActionKind::find(name);
+            QVERIFY2(kind, qPrintable(name));
+            takesZone = takesZone || name == QLatin1String("play");
+            QStringList arguments;
+            for (const ActionArgument &argument : kind->arguments)
+                arguments.append(QString::fromLatin1(argument.name));
+            QCOMPARE(arguments, (takesZone ? documentedZone : QStringList()) + codes(row.at(1)));
+            takesZone = takesZone && name != QLatin1String("ungroup");
+        }
+    }
+    QStringList known { QStringLiteral("repeat") };
+    for (const ActionKind &kind : ActionKind::all())
+        known.append(QString::fromLatin1(kind.name));
+    documented.sort();
+    known.sort();
+    QCOMPARE(documented, known);
 }
 
 QTEST_GUILESS_MAIN(ActionTest)
