@@ -13,8 +13,7 @@
  *
  * - Stage, Init, Installation: where the appliance is in its start-up.
  * - RequireConfigure, RequireReboot, ConfigureIsRunning: what it waits for.
- * - UpdateAvailable, UpdateInstalling: the player offers the one, a page of its own shows the
- * other.
+ * - UpdateAvailable: the player offers it. UpdateInstalling: a page of its own shows it.
  * - UpdateInhibited, InhibitReason: whether an available update is held back, and why.
  * - WebIfaceIsUp: whether the appliance's web interface answers.
  * - TimeSynced: whether the clock has been set from the network.
