@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "idle.h"
 
-#include "brokerclient.h"
+#include "testkit/services/brokerclient.h"
 #include "eventwait.h"
 #include "playingzone.h"
 #include "processfigures.h"

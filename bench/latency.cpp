@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "latency.h"
 
-#include "brokerclient.h"
+#include "testkit/services/brokerclient.h"
 #include "eventwait.h"
 #include "playingzone.h"
 #include "report.h"

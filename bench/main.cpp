@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "broker.h"
-#include "brokerclient.h"
-#include "display.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
+#include "testkit/machine/display.h"
 #include "idle.h"
 #include "latency.h"
 #include "memory.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "memory.h"
 
-#include "brokerclient.h"
+#include "testkit/services/brokerclient.h"
 #include "eventwait.h"
-#include "notifysocket.h"
+#include "testkit/services/notifysocket.h"
 #include "playingzone.h"
 #include "processfigures.h"
 #include "report.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "brokerclient.h"
-#include "imageserver.h"
+#include "testkit/services/brokerclient.h"
+#include "testkit/services/imageserver.h"
 
 /** A music server that has been found, and one zone of it that plays a track with cover art. */
 class PlayingZone {

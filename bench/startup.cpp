@@ -2,7 +2,7 @@
 #include "startup.h"
 
 #include "eventwait.h"
-#include "notifysocket.h"
+#include "testkit/services/notifysocket.h"
 #include "report.h"
 #include "statistics.h"
 #include "subject.h"

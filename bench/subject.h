@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "display.h"
-#include "program.h"
+#include "testkit/machine/display.h"
+#include "testkit/process/program.h"
 
 /** The programs that are measured, in surroundings that are the same for both. */
 namespace Subject {

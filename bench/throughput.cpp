@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "throughput.h"
 
-#include "broker.h"
+#include "testkit/services/broker.h"
 #include "eventwait.h"
 #include "playingzone.h"
 #include "processfigures.h"

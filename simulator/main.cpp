@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "scenariolibrary.h"
+#include "simulator/scenario/scenariolibrary.h"
 #include "sigwatch.h"
-#include "simulator.h"
+#include "simulator/simulator.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "options.h"
+#include "simulator/options.h"
 
-#include "action.h"
-#include "library.h"
-#include "topics.h"
+#include "simulator/scenario/action.h"
+#include "simulator/house/library.h"
+#include "simulator/services/topics.h"
 
 #include <QCommandLineParser>
 

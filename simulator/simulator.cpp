@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "simulator.h"
+#include "simulator/simulator.h"
 
-#include "library.h"
-#include "simulatedtime.h"
+#include "simulator/house/library.h"
+#include "simulator/house/simulatedtime.h"
 
 namespace {
 

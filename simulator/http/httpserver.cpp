@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "httpserver.h"
+#include "simulator/http/httpserver.h"
 
 #include <QTcpSocket>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "appliance.h"
-#include "likeness.h"
-#include "waiting.h"
+#include "testkit/appliance.h"
+#include "testkit/likeness.h"
+#include "testkit/waiting.h"
 
 #include <QTest>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "display.h"
-#include "panel.h"
-#include "program.h"
-#include "terminal.h"
-#include "waiting.h"
-#include "windows.h"
+#include "testkit/machine/display.h"
+#include "testkit/machine/panel.h"
+#include "testkit/process/program.h"
+#include "testkit/process/terminal.h"
+#include "testkit/waiting.h"
+#include "testkit/machine/windows.h"
 
 #include <QDir>
 #include <QFile>
@@ -142,7 +142,8 @@ void DemoTest::cleanup()
 
 bool DemoTest::start(Terminal &terminal, const QStringList &arguments)
 {
-    return terminal.run(QStringList { TOUCHUI_DEMO, "--build", TOUCHUI_BUILD } + arguments,
+    return terminal.run(
+        QStringList { TOUCHUI_CHECKOUT "/scripts/demo", "--build", TOUCHUI_BUILD } + arguments,
         m_directory, m_environment);
 }
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "broker.h"
-#include "historygenerator.h"
-#include "imageserver.h"
-#include "panel.h"
-#include "shrinker.h"
-#include "topics.h"
-#include "trial.h"
+#include "testkit/services/broker.h"
+#include "history/historygenerator.h"
+#include "testkit/services/imageserver.h"
+#include "testkit/machine/panel.h"
+#include "history/shrinker.h"
+#include "history/topics.h"
+#include "history/trial.h"
 
 #include <QCommandLineParser>
 #include <QTest>
@@ -20,7 +20,7 @@
  *
  * CTest tries ten seeds.  More of them, from the source directory:
  *
- *     tests/endtoend/in_namespace --keep $PWD $PWD/build/dev/tests/endtoend/tst_history --seeds 1000 --first 11
+ *     testkit/sandbox --keep $PWD $PWD/build/dev/tests/endtoend/tst_history --seeds 1000 --first 11
  *
  * A seed that fails is shown with what differs, and, where nothing like it has been seen before, with a shortest
  * history that still fails.

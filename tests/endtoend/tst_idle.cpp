@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "appliance.h"
-#include "waiting.h"
+#include "testkit/appliance.h"
+#include "testkit/waiting.h"
 
 #include <QTest>
 

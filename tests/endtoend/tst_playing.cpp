@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "apiserver.h"
-#include "appliance.h"
-#include "likeness.h"
-#include "waiting.h"
+#include "testkit/services/apiserver.h"
+#include "testkit/appliance.h"
+#include "testkit/likeness.h"
+#include "testkit/waiting.h"
 
 #include <QRegularExpression>
 #include <QTest>

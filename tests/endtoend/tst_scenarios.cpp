@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "broker.h"
-#include "pagenames.h"
-#include "panel.h"
-#include "program.h"
-#include "simulatorprogram.h"
-#include "waiting.h"
+#include "testkit/services/broker.h"
+#include "testkit/pagenames.h"
+#include "testkit/machine/panel.h"
+#include "testkit/process/program.h"
+#include "testkit/process/simulatorprogram.h"
+#include "testkit/waiting.h"
 
 #include <QDir>
 #include <QTest>
@@ -44,7 +44,8 @@ void ScenariosTest::bringsTheProgramWhereItShould_data()
     row("soak", "20", { Player }, "action: withdraw_update", "Hugo2X");
     row("update", "2", { Player, Update }, "update: installing", "Update in progress...");
     row("zone-missing", "5", { NotFound, Player }, "action: restore", "Hugo2X");
-    QCOMPARE(names, QDir(QStringLiteral(TOUCHUI_SCENARIOS)).entryList(QDir::Files, QDir::Name));
+    QCOMPARE(names,
+        QDir(QStringLiteral(TOUCHUI_CHECKOUT "/scenarios")).entryList(QDir::Files, QDir::Name));
 }
 
 void ScenariosTest::bringsTheProgramWhereItShould()

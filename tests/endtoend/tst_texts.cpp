@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "appliance.h"
-#include "hostidentity.h"
-#include "pagenames.h"
-#include "waiting.h"
+#include "testkit/appliance.h"
+#include "testkit/machine/hostidentity.h"
+#include "testkit/pagenames.h"
+#include "testkit/waiting.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

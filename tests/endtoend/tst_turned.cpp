@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "appliance.h"
-#include "display.h"
-#include "pagenames.h"
-#include "panelkind.h"
-#include "waiting.h"
+#include "testkit/appliance.h"
+#include "testkit/machine/display.h"
+#include "testkit/pagenames.h"
+#include "testkit/machine/panelkind.h"
+#include "testkit/waiting.h"
 
 #include <QFile>
 #include <QTest>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "broker.h"
-#include "brokerclient.h"
-#include "coverart.h"
-#include "library.h"
-#include "panel.h"
-#include "program.h"
-#include "simulatorprogram.h"
-#include "topics.h"
-#include "waiting.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
+#include "simulator/services/coverart.h"
+#include "simulator/house/library.h"
+#include "testkit/machine/panel.h"
+#include "testkit/process/program.h"
+#include "testkit/process/simulatorprogram.h"
+#include "simulator/services/topics.h"
+#include "testkit/waiting.h"
 
 #include <QRandomGenerator>
 #include <QSet>

@@ -16,7 +16,7 @@
 namespace {
 
 const QString Cmake = QStringLiteral(TOUCHUI_CMAKE);
-const QString SourceTree = QStringLiteral(TOUCHUI_SOURCE_TREE);
+const QString SourceTree = QStringLiteral(TOUCHUI_CHECKOUT);
 const QString Unknown(40, QLatin1Char('0'));
 
 constexpr int ProcessLimitMs = 60000;

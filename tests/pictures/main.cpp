@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "comparison.h"
 #include "gallery.h"
-#include "hostidentity.h"
+#include "testkit/machine/hostidentity.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -66,7 +66,8 @@ int main(int argc, char *argv[])
         options.showHelp(EXIT_FAILURE);
 
     if (!appearAs("velunor")) {
-        std::fprintf(stderr, "cannot set up host name and network; is this run by in_namespace?\n");
+        std::fprintf(
+            stderr, "cannot set up host name and network; is this run by testkit/sandbox?\n");
         return EXIT_FAILURE;
     }
     const QDir directory(arguments.first());

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "studio.h"
 
-#include "waiting.h"
+#include "testkit/waiting.h"
 
 #include <QRegularExpression>
 #include <QTransform>

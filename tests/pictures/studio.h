@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "broker.h"
-#include "brokerclient.h"
-#include "display.h"
-#include "panelkind.h"
-#include "process.h"
-#include "program.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
+#include "testkit/machine/display.h"
+#include "testkit/machine/panelkind.h"
+#include "testkit/process/process.h"
+#include "testkit/process/program.h"
 
 #include <QImage>
 

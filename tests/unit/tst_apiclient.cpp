@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "apiclient.h"
-#include "apiserver.h"
+#include "testkit/services/apiserver.h"
 #include "logcapture.h"
 #include "metatable.h"
 

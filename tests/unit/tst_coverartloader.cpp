@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "coverartloader.h"
 #include "imageprovider.h"
-#include "imageserver.h"
+#include "testkit/services/imageserver.h"
 #include "logcapture.h"
 #include "metatable.h"
 #include "roon.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "imageprovider.h"
-#include "imageserver.h"
+#include "testkit/services/imageserver.h"
 #include "logcapture.h"
 #include "roon.h"
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "broker.h"
-#include "brokerclient.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
 #include "logcapture.h"
 #include "metatable.h"
 #include "mqtt.h"
 #include "player.h"
 #include "signalrecorder.h"
-#include "waiting.h"
+#include "testkit/waiting.h"
 
 #include <QMetaEnum>
 #include <QMqttSubscription>

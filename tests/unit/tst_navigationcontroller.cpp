@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "navigationcontroller.h"
-#include "broker.h"
-#include "brokerclient.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
 #include "logcapture.h"
 #include "markdowntable.h"
 #include "metatable.h"
 #include "mqtt.h"
-#include "panel.h"
+#include "testkit/machine/panel.h"
 #include "player.h"
 #include "roon.h"
 #include "roonzones.h"
@@ -14,7 +14,7 @@
 #include "settings.h"
 #include "signalrecorder.h"
 #include "velunor_state.h"
-#include "waiting.h"
+#include "testkit/waiting.h"
 
 #include <QFile>
 #include <QSignalSpy>
@@ -1279,8 +1279,8 @@ void TestNavigationController::documentedDecisions_data()
     QTest::addColumn<QString>("situation");
     QTest::addColumn<int>("from");
     QTest::addColumn<QString>("cell");
-    const QList<QStringList> table
-        = markdownTable(QStringLiteral(TOUCHUI_ARCHITECTURE), QStringLiteral("Situation"));
+    const QList<QStringList> table = markdownTable(
+        QStringLiteral(TOUCHUI_CHECKOUT "/ARCHITECTURE.md"), QStringLiteral("Situation"));
     QCOMPARE(table.size(), 5);
     const QStringList &heads = table.first();
     QCOMPARE(heads.size(), 1 + ScreenNames.size());
@@ -1337,8 +1337,8 @@ void TestNavigationController::documentedEvents_data()
     QTest::addColumn<QString>("from");
     QTest::addColumn<QString>("slot");
     QTest::addColumn<QStringList>("next"); // as a rule, in a failure, without the clock
-    const QList<QStringList> table
-        = markdownTable(QStringLiteral(TOUCHUI_ARCHITECTURE), QStringLiteral("Screen"));
+    const QList<QStringList> table = markdownTable(
+        QStringLiteral(TOUCHUI_CHECKOUT "/ARCHITECTURE.md"), QStringLiteral("Screen"));
     QVERIFY(table.size() > 1);
     for (const QStringList &row : table.mid(1)) {
         const QString slot = row.value(1).section(QLatin1Char('`'), 1, 1).remove("()");

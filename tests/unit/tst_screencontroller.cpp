@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "screencontroller.h"
-#include "broker.h"
-#include "brokerclient.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
 #include "logcapture.h"
 #include "metatable.h"
 #include "mqtt.h"
 #include "samplevalue.h"
 #include "settings.h"
-#include "waiting.h"
+#include "testkit/waiting.h"
 #include "writecounter.h"
 
 #include <QDir>

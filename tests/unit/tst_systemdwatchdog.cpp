@@ -2,7 +2,7 @@
 #include "logcapture.h"
 #include "messagehandler.h"
 #include "metatable.h"
-#include "notifysocket.h"
+#include "testkit/services/notifysocket.h"
 #include "systemdwatchdog.h"
 
 #include <QDebug>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scene.h"
 
-#include "probe.h"
+#include "testkit/probe/probe.h"
 
 #include <QJsonDocument>
 #include <QMap>

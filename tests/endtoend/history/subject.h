@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "panelkind.h"
-#include "program.h"
+#include "testkit/machine/panelkind.h"
+#include "testkit/process/program.h"
 #include "scene.h"
 #include "step.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "brokerclient.h"
-#include "panelkind.h"
+#include "testkit/services/brokerclient.h"
+#include "testkit/machine/panelkind.h"
 #include "scene.h"
 #include "step.h"
 

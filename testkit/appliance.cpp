@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "testkit/appliance.h"
+
+#include "testkit/waiting.h"
+
+namespace {
+
+const QString RemoteControl = "Velunor/Controller/remote_control/v4/";
+const QString CommandTopic = RemoteControl + "Control/command";
+
+} // namespace
+
+Appliance::Appliance(QObject *parent)
+    : QObject(parent)
+{
+    program.setEnvironment("VELUNOR_TOUCHUI_CONTROL_ZONE", "Kitchen");
+}
+
+bool Appliance::startServices()
+{
+    if (!broker.start() || !services.connectToBroker())
+        return false;
+    publishCore("serverUrl", images.address());
+    publishCore("coreDetected", "true");
+    publishZones(R"([{"id":"z1","name":"Kitchen"}])");
+    publishZone("name", "Kitchen");
+    publishZone("state", "paused");
+    publishZone("is_play_allowed", "true");
+    return services.flush();
+}
+
+bool Appliance::start()
+{
+    return startServices() && program.startAndWait() && skipWelcome()
+        && waitForPage("RoonPlayerWindow2");
+}
+
+bool Appliance::skipWelcome()
+{
+    const bool known = waitUntil([this] {
+        return program.probe().objectProperty(Probe::Target::type("Player"), "playAllowed")
+            == QJsonValue(true);
+    });
+    const Probe::Target welcomeTimer(QJsonObject { { "type", "QTimer" },
+        { "where", QJsonObject { { "interval", 5000 }, { "active", true } } } });
+    return known && program.probe().setObjectProperty(welcomeTimer, "interval", 0);
+}
+
+void Appliance::publishCore(const QString &property, const QByteArray &value)
+{
+    services.publish(RemoteControl + "roon/Roon/" + property, value, true);
+}
+
+void Appliance::publishZone(const QString &key, const QByteArray &value)
+{
+    services.publish(RemoteControl + "roon/Zones/z1/" + key, value, true);
+}
+
+void Appliance::publishZones(const QByteArray &json)
+{
+    services.publish(RemoteControl + "roon/Zones/available", json, true);
+}
+
+void Appliance::publishSetting(const QString &key, const QByteArray &value)
+{
+    services.publish("Velunor/Settings/v2/" + key, value, true);
+}
+
+void Appliance::publishState(const QString &property, const QByteArray &value)
+{
+    services.publish("Velunor/State/v1/" + property, value, true);
+}
+
+void Appliance::sendCommand(const QByteArray &json)
+{
+    services.publish(CommandTopic, json);
+}
+
+bool Appliance::handled()
+{
+    // A key that means nothing: it is logged and leaves everything as it is.
+    const QString marker = QString("end_of_step_%1").arg(++m_markers);
+    services.publish("Velunor/Settings/v2/" + marker, QByteArray());
+    return program.waitForLine(Line::debug("Mqtt::updateSettings() " + marker));
+}
+
+QList<QByteArray> Appliance::commands() const
+{
+    return services.payloads(CommandTopic);
+}

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "testkit/probe/framewatch.h"
+
+#include "testkit/probe/clock.h"
+
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QVariant>
+
+void FrameWatch::begin(QQuickWindow *window, QQuickItem *item, const QByteArray &property)
+{
+    disconnect(m_synchronized);
+    disconnect(m_swapped);
+    m_seen = {};
+    // While the scene is synchronised the GUI thread waits, so the item may be read; what it holds
+    // is what the frame will show.
+    const QPointer<QQuickItem> watched(item);
+    m_synchronized = connect(
+        window, &QQuickWindow::afterSynchronizing, this,
+        [this, watched, property] {
+            const QMutexLocker locker(&m_mutex);
+            m_drawn = watched ? watched->property(property).toString() : QString();
+        },
+        Qt::DirectConnection);
+    m_swapped = connect(
+        window, &QQuickWindow::frameSwapped, this,
+        [this] {
+            const double now = monotonicNanoseconds();
+            const QMutexLocker locker(&m_mutex);
+            if (!m_seen.contains(m_drawn))
+                m_seen.insert(m_drawn, now);
+        },
+        Qt::DirectConnection);
+}
+
+QJsonObject FrameWatch::seen()
+{
+    const QMutexLocker locker(&m_mutex);
+    return m_seen;
+}

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "testkit/services/broker.h"
+
+#include "testkit/waiting.h"
+
+#include <QFile>
+#include <QStandardPaths>
+
+#include <csignal>
+#include <cstdio>
+
+Broker::Broker(Log log, QObject *parent)
+    : QObject(parent)
+    , m_log(log)
+{
+}
+
+Broker::~Broker()
+{
+    if (!QTest::currentTestFailed())
+        return;
+    std::fprintf(stderr, "The broker's log, %d lines:\n", lines().size());
+    for (const QString &line : lines())
+        std::fprintf(stderr, "    %s\n", qUtf8Printable(line));
+}
+
+bool Broker::start()
+{
+    QString program = QStandardPaths::findExecutable(QStringLiteral("mosquitto"));
+    if (program.isEmpty())
+        program = QStandardPaths::findExecutable(
+            QStringLiteral("mosquitto"), { QStringLiteral("/usr/sbin") });
+    if (program.isEmpty()) {
+        qWarning("mosquitto is missing (package mosquitto)");
+        return false;
+    }
+    QFile configuration(m_directory.filePath(QStringLiteral("mosquitto.conf")));
+    // The user must be named: root of a user namespace cannot become the user "mosquitto".
+    // Without a limit on queued messages nothing that a test publishes in one go is dropped.
+    const QByteArray logTypes = m_log == Packets
+        ? "log_type all\n"
+        : "log_type error\nlog_type warning\nlog_type information\nlog_type subscribe\n";
+    if (!configuration.open(QIODevice::WriteOnly)
+        || configuration.write("listener 1883 127.0.0.1\n"
+                               "allow_anonymous true\n"
+                               "user root\n"
+                               "persistence false\n"
+                               "set_tcp_nodelay true\n"
+                               "max_queued_messages 0\n"
+                               "log_dest stderr\n"
+                               "log_timestamp false\n"
+               + logTypes)
+            < 0) {
+        qWarning("cannot write the broker's configuration");
+        return false;
+    }
+    configuration.close();
+    return m_process.start(program, { QStringLiteral("-c"), configuration.fileName() },
+               QProcessEnvironment::systemEnvironment())
+        && waitForLine(QRegularExpression(QStringLiteral("^mosquitto version .* running$")));
+}
+
+bool Broker::stop()
+{
+    return end(SIGTERM);
+}
+
+bool Broker::kill()
+{
+    return end(SIGKILL);
+}
+
+QStringList Broker::lines(const QRegularExpression &expression) const
+{
+    return lines().filter(expression);
+}
+
+bool Broker::waitForLine(const QRegularExpression &expression)
+{
+    const bool found = waitUntil([&] {
+        return !lines(expression).isEmpty() || !m_process.isRunning();
+    }) && !lines(expression).isEmpty();
+    if (!found)
+        qWarning("the broker did not log %s", qUtf8Printable(expression.pattern()));
+    return found;
+}
+
+bool Broker::end(int signal)
+{
+    m_process.sendSignal(signal);
+    return m_process.waitForExit();
+}

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "testkit/process/process.h"
+
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+/**
+ * A real mosquitto on 127.0.0.1:1883.  It keeps nothing over a restart, and unless told otherwise
+ * its log tells every packet: "Received PUBLISH from CLIENT (d0, q1, r0, m2, 'TOPIC', ... (5
+ * bytes))".
+ */
+class Broker : public QObject {
+    Q_OBJECT
+
+public:
+    enum Log {
+        Packets,       ///< everything
+        Subscriptions, ///< "CLIENT 0 FILTER", and who comes and goes; costs nothing for a message
+    };
+
+    explicit Broker(Log log = Packets, QObject *parent = nullptr);
+    /** Prints the broker's log when the test has failed. */
+    ~Broker() override;
+
+    /** Starts the broker and waits until it listens; false, with a message, when it does not. */
+    bool start();
+    /** Ends it with SIGTERM, or without warning with SIGKILL, and waits until it is gone. */
+    bool stop();
+    bool kill();
+
+    /** The log of this run, without time stamps. */
+    const QStringList &lines() const { return m_process.lines(); }
+    /** The lines that match, in order. */
+    QStringList lines(const QRegularExpression &expression) const;
+    /** Waits until a line matches; false, with a message, when none comes. */
+    bool waitForLine(const QRegularExpression &expression);
+
+private:
+    bool end(int signal);
+
+    const Log m_log;
+    Process m_process;
+    QTemporaryDir m_directory;
+};
