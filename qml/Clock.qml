@@ -3,7 +3,7 @@ import QtQuick 2.15
 import Velunor.Navigation 1.0
 import Velunor.Screen 1.0
 import Velunor.Settings 1.0
-import "."
+import "components"
 
 /** Time and date, to be read from across the room. */
 Rectangle {

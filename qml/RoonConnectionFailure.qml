@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 import QtQuick 2.15
 import Velunor.Navigation 1.0
+import "components"
 
 /** The remote-control service or the core is missing. */
 NoticePage {

@@ -8,8 +8,8 @@ import Velunor.Screen 1.0
 import Velunor.Settings 1.0
 import Velunor.VelunorState 1.0
 import Velunor.Zones 1.0
-import "."
-import "format.js" as Format
+import "components"
+import "components/format.js" as Format
 
 /** What the controlled zone plays, and everything that can be asked of it. */
 Rectangle {

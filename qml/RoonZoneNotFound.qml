@@ -4,8 +4,8 @@ import Velunor.Navigation 1.0
 import Velunor.Player 1.0
 import Velunor.RoonZones 1.0
 import Velunor.Screen 1.0
-import "."
-import "format.js" as Format
+import "components"
+import "components/format.js" as Format
 
 /** The zone to be controlled is missing; another one can be chosen. */
 NoticePage {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 import QtQuick 2.15
 import Velunor.Navigation 1.0
-import "."
+import "components"
 
 /** A dark screen that a touch wakes. */
 Rectangle {

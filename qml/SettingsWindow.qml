@@ -4,7 +4,7 @@ import Velunor.Navigation 1.0
 import Velunor.Roon 1.0
 import Velunor.Screen 1.0
 import Velunor.Settings 1.0
-import "."
+import "components"
 
 /** The two brightness levels.  Every change shows at once; only "Save" keeps it. */
 Rectangle {

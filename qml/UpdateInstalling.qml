@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 import QtQuick 2.15
+import "components"
 
 /** The appliance is being updated; the user cannot leave this page. */
 NoticePage {

@@ -3,7 +3,7 @@ import QtQuick 2.15
 import QtQuick.Window 2.15
 import Velunor.Navigation 1.0
 import Velunor.Screen 1.0
-import "."
+import "components"
 
 /** The window: one page per screen, of which only the one on view is alive. */
 Window {

@@ -15,7 +15,7 @@ Item {
         property var lines: null
 
         function prepare() {
-            lines = create("AlbumAndArtist.qml", top, {
+            lines = create("components/AlbumAndArtist.qml", top, {
                 x: 10, y: 20, width: 300, height: 100, album: "Kind of Blue", albumSize: 20, artist: "Miles Davis", artistSize: 24
             });
         }

@@ -2,7 +2,7 @@
 import QtQuick 2.15
 import QtTest 1.15
 import SceneTest 1.0
-import "qrc:/qml" as Scene
+import "qrc:/qml/components" as Scene
 
 Item {
     id: top
@@ -24,7 +24,7 @@ Item {
 
         /** A box of 200 pixels; the stage on both sides of it shows what runs out of it. */
         function marquee(properties) {
-            item = create("Marquee.qml", stage, Object.assign({ x: 50, width: 200, pixelSize: 20, family: "Noto Sans",
+            item = create("components/Marquee.qml", stage, Object.assign({ x: 50, width: 200, pixelSize: 20, family: "Noto Sans",
                                                                 scrollDuration: 600 }, properties));
             label = find(item, "label");
             watch.target = label;
@@ -291,11 +291,11 @@ Item {
             compare(item.text.length, row.text.length);
             compare(label.text, row.text.substring(0, row.shown));
             fuzzyCompare(left(), 200, stride);
-            compare(create("Marquee.qml", top, { text: row.text }).scrollDuration, 200 * Math.min(row.text.length, 2000));
+            compare(create("components/Marquee.qml", top, { text: row.text }).scrollDuration, 200 * Math.min(row.text.length, 2000));
         }
 
         function test_defaults() {
-            const plain = create("Marquee.qml", top, { text: "0123456789" });
+            const plain = create("components/Marquee.qml", top, { text: "0123456789" });
             compare(plain.scrollDuration, 2000);
             verify(plain.scrollingEnabled);
             verify(Qt.colorEqual(plain.textColor, "#ed3131"));

@@ -35,7 +35,7 @@ Item {
 
         function rotator(properties) {
             const panel = createTemporaryObject(panelComponent, null);
-            return create("ScreenRotator.qml", find(panel, "area"), properties);
+            return create("components/ScreenRotator.qml", find(panel, "area"), properties);
         }
 
         function test_fillsItsParentByDefault() {

@@ -6,7 +6,7 @@ import Velunor.Navigation 1.0
 import Velunor.RoonZones 1.0
 import Velunor.Screen 1.0
 import Velunor.Settings 1.0
-import "qrc:/qml" as Scene
+import "qrc:/qml/components" as Scene
 
 /** The pages on panels that are mounted upside down or on their side: touches land where the finger is. */
 Item {

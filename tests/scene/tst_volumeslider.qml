@@ -21,7 +21,7 @@ Item {
         }
 
         function open(properties) {
-            dialog = create("VolumeSlider.qml", top, properties);
+            dialog = create("components/VolumeSlider.qml", top, properties);
             slider = find(dialog, "volumeSlider");
             closeTimer = find(dialog, "closeTimer");
             for (const spy of [down, up, moved]) {

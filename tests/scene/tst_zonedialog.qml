@@ -17,7 +17,7 @@ Item {
         property var closeTimer: null
 
         function prepare() {
-            dialog = create("ZoneDialog.qml", top, { screenWidth: 800, screenHeight: 480, zones: ["Bath", "Hall", "Kitchen"] });
+            dialog = create("components/ZoneDialog.qml", top, { screenWidth: 800, screenHeight: 480, zones: ["Bath", "Hall", "Kitchen"] });
             list = find(dialog, "zoneList");
             closeTimer = find(dialog, "closeTimer");
             selected.target = dialog;

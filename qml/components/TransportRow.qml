@@ -27,7 +27,7 @@ LayoutBox {
             outlined: root.outlined
             outlineColor: root.outlineColor
             iconVisible: root.previousAllowed
-            source: "../icons/round_skip_previous_white_48dp.png"
+            source: "../../icons/round_skip_previous_white_48dp.png"
             onTouched: root.previousTouched()
         }
 
@@ -39,9 +39,9 @@ LayoutBox {
             outlineColor: root.outlineColor
             iconVisible: root.playPauseAllowed
             // A stream that cannot seek cannot pause either: it stops.
-            source: !root.playing ? "../icons/round_play_arrow_white_48dp.png"
-                  : root.seekAllowed ? "../icons/round_pause_white_48dp.png"
-                  : "../icons/round_stop_white_48dp.png"
+            source: !root.playing ? "../../icons/round_play_arrow_white_48dp.png"
+                  : root.seekAllowed ? "../../icons/round_pause_white_48dp.png"
+                  : "../../icons/round_stop_white_48dp.png"
             onTouched: root.playPauseTouched()
         }
 
@@ -50,7 +50,7 @@ LayoutBox {
             outlined: root.outlined
             outlineColor: root.outlineColor
             iconVisible: root.nextAllowed
-            source: "../icons/round_skip_next_white_48dp.png"
+            source: "../../icons/round_skip_next_white_48dp.png"
             onTouched: root.nextTouched()
         }
     }

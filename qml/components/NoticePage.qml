@@ -36,7 +36,7 @@ Rectangle {
             anchors { left: parent.left; top: parent.top; bottom: parent.bottom }
             width: 0.15 * header.width
             outlined: root.gl_show_debug_lines
-            source: "../icons/round_error_outline_white_48dp.png"
+            source: "../../icons/round_error_outline_white_48dp.png"
         }
 
         FittedText {

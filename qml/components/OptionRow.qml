@@ -23,7 +23,7 @@ LayoutBox {
             objectName: "radio"
             outlined: root.outlined
             iconVisible: root.iconsVisible
-            source: root.autoRadio ? "../icons/ic_radio_blue_48dp.png" : "../icons/ic_radio_white_48dp.png"
+            source: root.autoRadio ? "../../icons/ic_radio_blue_48dp.png" : "../../icons/ic_radio_white_48dp.png"
             // Deliberate: only this cell reaches beyond its edges.
             touchMargin: Theme.touchMargin
             onTouched: root.radioTouched()
@@ -33,7 +33,7 @@ LayoutBox {
             objectName: "shuffle"
             outlined: root.outlined
             iconVisible: root.iconsVisible
-            source: root.shuffle ? "../icons/ic_shuffle_blue_48dp.png" : "../icons/ic_shuffle_white_48dp.png"
+            source: root.shuffle ? "../../icons/ic_shuffle_blue_48dp.png" : "../../icons/ic_shuffle_white_48dp.png"
             onTouched: root.shuffleTouched()
         }
 
@@ -41,7 +41,7 @@ LayoutBox {
             objectName: "loop"
             outlined: root.outlined
             iconVisible: root.iconsVisible
-            source: root.loop === "disabled" ? "../icons/ic_loop_white_48dp.png" : "../icons/ic_loop_blue_48dp.png"
+            source: root.loop === "disabled" ? "../../icons/ic_loop_white_48dp.png" : "../../icons/ic_loop_blue_48dp.png"
             onTouched: root.loopTouched()
 
             PageText {

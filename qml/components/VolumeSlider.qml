@@ -48,7 +48,7 @@ PanelPopup {
         objectName: "volumeDown"
         x: 15
         y: 62
-        source: "../icons/baseline_volume_down_black_48dp.png"
+        source: "../../icons/baseline_volume_down_black_48dp.png"
         onTouched: {
             console.info("VOLUME DOWN");
             root.volumeDown(slider.value);
@@ -62,7 +62,7 @@ PanelPopup {
         objectName: "volumeUp"
         x: 505
         y: 62
-        source: "../icons/baseline_volume_up_black_48dp.png"
+        source: "../../icons/baseline_volume_up_black_48dp.png"
         onTouched: {
             console.info("VOLUME UP");
             root.volumeUp(slider.value);

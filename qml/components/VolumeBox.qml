@@ -30,7 +30,7 @@ LayoutBox {
             width: root.cellWidth
             height: parent.height
             outlined: root.outlined
-            source: "../icons/baseline_volume_up_white_48.png"
+            source: "../../icons/baseline_volume_up_white_48.png"
         }
 
         PageText {
