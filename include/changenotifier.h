@@ -4,8 +4,8 @@
 #include <QObject>
 
 /**
- * Tells of the changes of a value whose owner has no signal for it, because the signals of its
- * meta-object are an interface that stays as it is.  Emitted by the owner, in its thread.
+ * Reports changes of a value whose owner has no signal of its own for it, because the signals in
+ * its meta-object are an interface that stays as it is. The owner emits, in its own thread.
  */
 class ChangeNotifier : public QObject {
     Q_OBJECT
@@ -14,6 +14,6 @@ public:
     using QObject::QObject;
 
 signals:
-    /** The value has changed, and can be read already. */
+    /** The value has changed, and the new one can be read. Not emitted for an equal value. */
     void changed();
 };

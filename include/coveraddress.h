@@ -4,14 +4,14 @@
 #include <QSize>
 #include <QString>
 
-/** The size of the cover on the player page, pixels; the core scales it. */
+/** The size in pixels in which covers are asked for; the core scales them. */
 constexpr QSize ShownCoverSize(402, 402);
-/** A size that fills a whole screen, pixels. */
+/** A size in pixels that fills a whole screen. */
 constexpr QSize FullScreenCoverSize(800, 480);
 
 /**
- * Where the core's image service offers the cover of the key @p key, fitted into @p size: an HTTP
- * address under the core's present serverUrl().  Nothing is escaped, and an empty key or server is
- * not treated specially.
+ * Where the core's image service offers the cover of the key @p key, fitted into @p size pixels: an
+ * HTTP address under the core's present serverUrl(). Nothing is escaped, and an empty key or server
+ * is not treated specially.
  */
 QString coverAddress(const QString &key, const QSize &size);

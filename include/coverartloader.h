@@ -16,12 +16,12 @@ class ImageProvider;
  * to the key that is wanted: the loader has the provider fetch the picture first, from the event
  * loop, one at a time, and offers it when it can be had at once.
  *
- * A fetch that is not wanted any more is abandoned when it has had a second; one that is still
- * wanted then has the logo shown until it ends, so that no cover stays under another track's title.
- * It is abandoned, too, when another loader has waited a second for its end, as there is one page
- * at a time. A loader whose page is in no window begins none. Where a fetch fails the logo is
- * shown. When the core moves, the picture that is wanted is fetched from its new address at once,
- * the one on view as well. Lives in the GUI thread, may be destroyed at any moment.
+ * A fetch that is no longer wanted is abandoned after one second. While one that is still wanted
+ * takes longer than that, the logo is shown, so that no cover stays under another track's title. A
+ * fetch is also abandoned when another loader has waited a second for it to end, as only one page
+ * is on view at a time. A loader whose page is in no window starts none. When a fetch fails, the
+ * logo is shown. When the core moves, the wanted picture is fetched from its new address at once,
+ * even if it is already on view. Lives in the GUI thread, may be destroyed at any moment.
  */
 class CoverArtLoader : public QObject {
     Q_OBJECT
@@ -30,22 +30,29 @@ class CoverArtLoader : public QObject {
     Q_PROPERTY(bool waiting READ isWaiting NOTIFY waitingChanged)
 
 public:
+    /** @p parent is the page, if that is an item; its window decides whether a fetch may start. */
     explicit CoverArtLoader(QObject *parent = nullptr);
+    /** Abandons its own fetch, if one is going on. */
     ~CoverArtLoader() override;
 
-    /** The picture that belongs on the screen, an address under "image://velunor/". Takes effect
-     * later. */
+    /**
+     * The picture that belongs on the screen, an address under "image://velunor/"; empty at first.
+     * A new one takes effect from the event loop, not at once.
+     */
     QUrl wanted() const { return m_wanted; }
     void setWanted(const QUrl &url);
 
-    /** The picture to show; empty until the first one is there, and for a moment before the same
-     * picture comes from another address of the core. */
+    /**
+     * The picture to show; empty until the first one is there, and for a moment before the same
+     * picture comes from another address of the core.
+     */
     QUrl source() const { return m_source; }
 
-    /** Whether a picture is being fetched. */
+    /** Whether a picture is being fetched for this loader. */
     bool isWaiting() const { return m_waitingFor; }
 
 signals:
+    // Emitted after the change, and not for an equal value.
     void wantedChanged();
     void sourceChanged();
     void waitingChanged();

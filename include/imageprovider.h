@@ -19,33 +19,35 @@ class QNetworkReply;
  *
  * A picture is fetched over HTTP while the caller waits in a local event loop, in the thread that
  * asks: messages, timers and touches go on meanwhile. The last picture is kept. When the core does
- * not deliver, the logo stands in. Any thread; the cache is guarded.
+ * not deliver after a second attempt, the logo stands in. Any thread; the cache is guarded.
  */
 class ImageProvider : public QQuickImageProvider {
 public:
+    /** Loads the logo; a missing one is only logged. @p type is QQmlImageProviderBase::Image. */
     explicit ImageProvider(QQmlImageProviderBase::ImageType type);
 
-    /** Where the core offers the picture @p id, as things stand. */
+    /** Where the core offers the picture @p id, at the address that it has now. */
     static QUrl imageUrl(const QString &id);
     /** Whether the picture @p id comes from the core, so that asking for it may have to wait. */
     static bool isFetched(const QString &id);
 
     /**
-     * The picture @p id. The size of a fetched picture goes to @p size, which is left alone
-     * otherwise. What @p requestedSize says does not count, covers come in one size. A body that is
-     * no picture gives a null image; so does one of more than 32 MB, of which no more is read, and
-     * a picture of more than 8192 pixels a side.
+     * The picture @p id; the logo for an empty or reserved id, and when the core does not deliver.
+     * @p size, unless null, gets the size of a picture that was fetched now, and is otherwise left
+     * alone. @p requestedSize is ignored, as covers come in one size. A body that is no picture
+     * gives a null image; so does one of more than 32 MB, of which no more is read, and a picture
+     * of more than 8192 pixels a side.
      */
     QImage requestImage(const QString &id, QSize *size, const QSize &requestedSize) override;
 
     /**
-     * Has the picture @p id fetched and kept, so that requestImage() can answer at once. Returns
-     * false when it could not be had: the core did not deliver, the wait was abandoned, or the
-     * program quits. GUI thread only.
+     * Fetches the picture @p id and keeps it, so that requestImage() can answer at once. Returns
+     * false when that failed: the core did not deliver or has moved meanwhile, the wait was
+     * abandoned, the program quits, or @p id is one that is not fetched. GUI thread only.
      */
     bool prefetch(const QString &id);
 
-    /** Ends every wait that is going on; who waited gets the logo, and nothing is kept. */
+    /** Ends every wait that is going on; whoever waited gets the logo, and nothing is kept. */
     void abandonFetches();
 
 private:

@@ -12,8 +12,9 @@
 /**
  * One playback endpoint of the Roon Core: an output, or a group of outputs that play together.
  *
- * A passive mirror: messaging writes the properties by name, the player copies them. A property
- * stores a new value only when it differs; only id, name and state notify. Main thread only.
+ * A passive mirror: messaging writes the properties by name, the player copies them. Only id, name
+ * and state notify, and only of a change. Until published, numbers are 0, flags false and texts
+ * empty except where noted. Main thread only.
  */
 class RoonZone : public QObject {
     Q_OBJECT
@@ -49,6 +50,7 @@ class RoonZone : public QObject {
     Q_PROPERTY(bool is_seek_allowed READ isSeekAllowed WRITE setIsSeekAllowed)
 
 public:
+    /** A zone that has not spoken yet. */
     explicit RoonZone(const QString &id);
 
     /** The core's opaque identifier of the zone. */
@@ -59,7 +61,7 @@ public:
     QString name() const { return m_name; }
     void setName(const QString &value);
 
-    /** For example "playing" or "paused"; "unknown" until the first message. */
+    /** For example "playing" or "paused"; "unknown" until published, empty if published so. */
     QString state() const { return m_state; }
     void setState(const QString &value);
 
@@ -67,16 +69,19 @@ public:
     uint nowPlayingSeekPosition() const { return m_nowPlayingSeekPosition; }
     void setNowPlayingSeekPosition(uint value) { m_nowPlayingSeekPosition = value; }
 
-    /** Seconds; 0 when unknown, as for a stream. */
+    /** Seconds that the track takes; 0 when unknown, as for a stream. */
     uint nowPlayingLength() const { return m_nowPlayingLength; }
     void setNowPlayingLength(uint value) { m_nowPlayingLength = value; }
 
+    /** Title of the album. */
     QString nowPlayingAlbum() const { return m_nowPlayingAlbum; }
     void setNowPlayingAlbum(const QString &value) { m_nowPlayingAlbum = value; }
 
+    /** Title of the track. */
     QString nowPlayingSong() const { return m_nowPlayingSong; }
     void setNowPlayingSong(const QString &value) { m_nowPlayingSong = value; }
 
+    /** Who performs it. */
     QString nowPlayingArtist() const { return m_nowPlayingArtist; }
     void setNowPlayingArtist(const QString &value) { m_nowPlayingArtist = value; }
 
@@ -84,16 +89,19 @@ public:
     QString nowPlayingImageKey() const { return m_nowPlayingImageKey; }
     void setNowPlayingImageKey(const QString &value) { m_nowPlayingImageKey = value; }
 
+    /** Whether the queue is played in random order. */
     bool settingsShuffle() const { return m_settingsShuffle; }
     void setSettingsShuffle(bool value) { m_settingsShuffle = value; }
 
-    /** "disabled", "loop" or "loop_one". */
+    /** "disabled", "loop" or "loop_one"; any other text is kept as it comes. */
     QString settingsLoop() const { return m_settingsLoop; }
     void setSettingsLoop(const QString &value) { m_settingsLoop = value; }
 
+    /** Whether the core goes on with music of its own choice when the queue has ended. */
     bool settingsAutoRadio() const { return m_settingsAutoRadio; }
     void setSettingsAutoRadio(bool value) { m_settingsAutoRadio = value; }
 
+    /** Whether the zone has a volume that can be set. */
     bool volumeAvailable() const { return m_volumeAvailable; }
     void setVolumeAvailable(bool value) { m_volumeAvailable = value; }
 
@@ -101,13 +109,15 @@ public:
     QString volumeType() const { return m_volumeType; }
     void setVolumeType(const QString &value) { m_volumeType = value; }
 
-    /** In the zone's own units, like all the volume numbers. */
+    /** The present volume; all volume numbers are in the zone's own units. */
     float volumeValue() const { return m_volumeValue; }
     void setVolumeValue(float value) { m_volumeValue = value; }
 
+    /** Lower end of the zone's scale. */
     float volumeMin() const { return m_volumeMin; }
     void setVolumeMin(float value) { m_volumeMin = value; }
 
+    /** Upper end of the zone's scale. */
     float volumeMax() const { return m_volumeMax; }
     void setVolumeMax(float value) { m_volumeMax = value; }
 
@@ -123,41 +133,50 @@ public:
     float volumeSoftLimit() const { return m_volumeSoftLimit.value_or(0.0f); }
     void setVolumeSoftLimit(float value) { m_volumeSoftLimit = value; }
 
-    // The limits once more, but no numbers until they are published: 0 would be a limit.
+    // The three limits once more, but NaN until they are published: 0 would be a limit.
     float knownHardLimitMin() const { return m_volumeHardLimitMin.value_or(qQNaN()); }
     float knownHardLimitMax() const { return m_volumeHardLimitMax.value_or(qQNaN()); }
     float knownSoftLimit() const { return m_volumeSoftLimit.value_or(qQNaN()); }
 
-    /** The smallest change, 0.5 for example. */
+    /** The smallest volume change, for example 0.5. */
     float volumeStep() const { return m_volumeStep; }
     void setVolumeStep(float value) { m_volumeStep = value; }
 
+    /** Whether the zone is muted; says nothing of volumeValue(). */
     bool volumeIsMuted() const { return m_volumeIsMuted; }
     void setVolumeIsMuted(bool value) { m_volumeIsMuted = value; }
 
+    /** How many tracks the queue still holds, as the zone counts them. */
     uint queueItemsRemaining() const { return m_queueItemsRemaining; }
     void setQueueItemsRemaining(uint value) { m_queueItemsRemaining = value; }
 
-    /** Seconds. */
+    /** Seconds that the queue still takes. */
     uint queueTimeRemaining() const { return m_queueTimeRemaining; }
     void setQueueTimeRemaining(uint value) { m_queueTimeRemaining = value; }
 
+    // What the zone would do now if it were asked to.
+
+    /** Whether it would go back to the previous track. */
     bool isPreviousAllowed() const { return m_isPreviousAllowed; }
     void setIsPreviousAllowed(bool value) { m_isPreviousAllowed = value; }
 
+    /** Whether it would go on to the next track. */
     bool isNextAllowed() const { return m_isNextAllowed; }
     void setIsNextAllowed(bool value) { m_isNextAllowed = value; }
 
+    /** Whether it would pause. */
     bool isPauseAllowed() const { return m_isPauseAllowed; }
     void setIsPauseAllowed(bool value) { m_isPauseAllowed = value; }
 
+    /** Whether it would play. */
     bool isPlayAllowed() const { return m_isPlayAllowed; }
     void setIsPlayAllowed(bool value) { m_isPlayAllowed = value; }
 
+    /** Whether it would move within the track. */
     bool isSeekAllowed() const { return m_isSeekAllowed; }
     void setIsSeekAllowed(bool value) { m_isSeekAllowed = value; }
 
-    /** The display names of the outputs that make up the zone. */
+    /** The display names of the outputs that make up the zone, in the order published. */
     QStringList outputs() const { return m_outputs; }
     /**
      * Replaces the outputs by the "display_name" of each element of the JSON array @p json; an
@@ -167,6 +186,7 @@ public:
     void setOutputs(const QByteArray &json);
 
 signals:
+    /** The id, the name or the state has changed. */
     void zoneChanged();
 
 private:

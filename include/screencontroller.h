@@ -12,7 +12,8 @@
  *
  * Geometry and panel type come from the environment, once. Brightness values are always device
  * units, the number written to the panel's sysfs attribute. Every brightness applied is reported to
- * the broker, also when there is no panel to write to. Main thread only.
+ * the broker, even when there is no panel to write to. Writing a property only notifies the scene,
+ * the panel stays as it is. Main thread only.
  */
 class ScreenController : public QObject {
     Q_OBJECT
@@ -27,43 +28,50 @@ class ScreenController : public QObject {
         uint maxBrightness READ maxBrightness WRITE setMaxBrightness NOTIFY maxBrightnessChanged)
 
 public:
+    /** The one object, made by the first call; deleted with the scene's engine if used by it. */
     static ScreenController *instance();
 
-    /** @p backlightDirectory holds one directory a panel; only the first that is listed is driven.
+    /**
+     * Applies the stored normal brightness and powers the backlight. @p backlightDirectory holds a
+     * directory for each panel; only the first that is listed is driven. Without one, every write
+     * to the panel fails with a warning.
      */
     explicit ScreenController(
         const QString &backlightDirectory = QStringLiteral("/sys/class/backlight"),
         QObject *parent = nullptr);
 
-    /** Whether the panel's width and height change places in the scene. */
+    /** Whether width and height are swapped for the pages; false unless configured. */
     bool swapped() const { return m_swapped; }
     void setSwapped(bool value);
 
-    /** Whether the panel is mounted turned; rotation() says by how much. */
+    /** Whether the pages are turned, by rotation(); false unless configured. */
     bool rotated() const { return m_rotated; }
     void setRotated(bool value);
 
-    /** Degrees, clockwise. */
+    /** Degrees, clockwise; 0 unless configured as a whole number. Counts only while rotated(). */
     int rotation() const { return m_rotation; }
     void setRotation(int value);
 
-    /** Pixels. */
+    /** Pixels; 800 unless configured as a whole number. A negative one wraps around. */
     uint width() const { return m_width; }
     void setWidth(uint value);
 
-    /** Pixels. */
+    /** Pixels; 480 unless configured as a whole number. A negative one wraps around. */
     uint height() const { return m_height; }
     void setHeight(uint value);
 
-    /** Lower end of the panel's brightness band. */
+    /** Lower end of the panel's brightness band: 1 for a "Display 2" panel, 13 for all others. */
     uint minBrightness() const { return m_minBrightness; }
     void setMinBrightness(uint value);
 
-    /** Upper end of the panel's brightness band. */
+    /** Upper end of the panel's brightness band: 31 for a "Display 2" panel, 254 for all others. */
     uint maxBrightness() const { return m_maxBrightness; }
     void setMaxBrightness(uint value);
 
-    /** Writes @p value to the panel and reports it, on every call. The band is not enforced. */
+    /**
+     * Writes @p value to the panel and reports it, on every call, and even when the panel cannot be
+     * written. The band is not enforced.
+     */
     void exec_brightness(uint value);
     /** Powers the backlight, unless this object has powered it already. */
     void exec_backlight_on();
@@ -71,12 +79,13 @@ public:
     void exec_backlight_off();
 
 public slots:
-    /** Takes and applies a new normal brightness. */
+    /** Remembers the normal brightness @p value and applies it, whatever screen is shown. */
     void lcdBrightnessChanged(uint value);
-    /** Takes a new clock brightness and applies it at once, whatever screen is shown: the user's
-     * preview. */
+    /** Remembers the clock brightness @p value and applies it as a preview, whatever is shown. */
     void lcdClockBrightnessChanged(uint value);
+    /** Settings::save(). */
     void saveSettings();
+    /** Settings::revert(); what that changes is applied. */
     void restoreSettings();
     /** Applies the normal brightness. */
     void setDefaultBrightness();
@@ -86,6 +95,8 @@ public slots:
 signals:
     void brightnessChanged(); // Deliberate: declared for the scene, never emitted
     void timeFormatChanged(); // Deliberate: likewise
+
+    // Emitted when the property has changed, and not by the constructor.
     void swappedChanged();
     void rotatedChanged();
     void rotationChanged();

@@ -9,9 +9,9 @@
  * The display's user settings.
  *
  * The two brightness values and the default player screen are read from the ini file in the data
- * directory; only the two brightness values are ever written back. All else arrives by messages and
- * lives in memory. The scene and the display controller listen. Setters notify only on a change,
- * except where noted. Main thread only.
+ * directory, once; only the two brightness values are ever written back. All else arrives by
+ * messages and lives in memory. The scene, the player and the display controller listen. Setters
+ * notify only on a change, except where noted, and never write the file. Main thread only.
  */
 class Settings : public QObject {
     Q_OBJECT
@@ -36,82 +36,87 @@ class Settings : public QObject {
             showBlurBackgroundChanged)
 
 public:
+    /** The one object, made by the first call; deleted with the scene's engine if used by it. */
     static Settings *instance();
 
-    /** @p directory is where the ini file lies; without it, or with a damaged one, the defaults
-     * hold. */
+    /**
+     * @p directory is where the ini file "velunor-touch.ini" lies. For what is missing there, or is
+     * not an unsigned number, the defaults hold.
+     */
     explicit Settings(
         const QString &directory = QStringLiteral("/data"), QObject *parent = nullptr);
 
-    /** Normal brightness, in the panel's own units. */
+    /** Normal brightness, in the panel's own units, not held to its band; 150 by default. */
     uint brightness() const { return m_brightness; }
     void setLcdBrightness(uint value);
 
-    /** Brightness of the clock screen, in the panel's own units. */
+    /** Brightness of the clock screen, likewise. */
     uint clockBrightness() const { return m_clockBrightness; }
     void setLcdClockBrightness(uint value);
 
-    /** "grey", "green", "blue" or "custom". */
+    /** "grey" (the default), "green", "blue" or "custom". */
     QString clockColor() const { return m_clockColor; }
     /** An unknown name counts as "grey". */
     void setLcdClockColor(const QString &name);
 
-    /** The RGB text that "custom" stands for. */
+    /** The RGB text that "custom" stands for; "#545050" by default. Any text is kept. */
     QString customClockColor() const { return m_customClockColor; }
-    /** Notifies on every call, with the RGB text. */
+    /** Notifies of lcdClockColorChanged() on every call, with the RGB text. */
     void setLcdCustomClockColor(const QString &rgb);
 
-    /** The clock colour as RGB text. */
+    /** The clock colour as RGB text, such as "#545050"; with "custom", whatever text that is. */
     QString clockColorRGB() const;
 
-    /** True for the 24-hour clock. */
+    /** True for the 24-hour clock (the default), false for the 12-hour clock. */
     bool timeFormat() const { return m_timeFormat; }
     void setTimeFormat(bool value);
 
-    /** Whether long texts scroll; otherwise they are cut. */
+    /** Whether long texts scroll (the default); otherwise they are cut. */
     bool scrolling() const { return m_scrolling; }
     void setScrolling(bool value);
 
-    /** Whether the screen saver is a dark panel rather than the clock. */
+    /** Whether the panel goes dark at once instead of showing the clock; false by default. */
     bool blankScreen() const { return m_blankScreen; }
     void setBlankScreen(bool value);
 
-    /** Number of the player screen, 11 by default. */
+    /** Number of the player screen, 11 by default; nothing in the program looks at it. */
     uint defaultPlayerScreen() const { return m_defaultPlayerScreen; }
     /** Only stores: nothing is notified, nothing is saved. */
     void setDefaultPlayerScreen(uint value) { m_defaultPlayerScreen = value; }
 
-    /** Minutes until the screen saver comes on. */
+    /** Minutes without playback until the screen saver comes; 10 by default, 0 means at once. */
     uint screenSaverTime() const { return m_screenSaverTime; }
-    /** Notifies on every call. */
+    /** Notifies on every call. A delay that is running goes on as it is. */
     void setScreenSaverTime(uint minutes);
 
+    /** Whether a power button is to be hidden; false by default. No page has such a button. */
     bool hidePowerButton() const { return m_hidePowerButton; }
     void setHidePowerButton(bool value);
 
-    /** Whether the player hides its radio, shuffle and loop icons. */
+    /** Whether the player hides its radio, shuffle and loop icons; false by default. */
     bool hideOptionsButtons() const { return m_hideOptionsButtons; }
     void setHideOptionsButtons(bool value);
 
-    /** Whether the player shows its blurred background. */
+    /** Whether the player shows its blurred background; true by default. */
     bool showBlurBackground() const { return m_showBlurBackground; }
     void setShowBlurBackground(bool value);
 
 public slots:
-    /** Writes the two brightness values to the file. */
+    /** Writes the two brightness values to the file. A failure is not reported. */
     void save();
-    /** Takes the two brightness values back to what the file held at start-up, also after a save().
-     */
+    /** Takes the two brightness values back to those of the start-up, even after a save(). */
     void revert();
 
 signals:
+    // Emitted with the new value after it has been stored; not for an equal one unless so noted.
     void lcdBrightnessChanged(uint brightness);
     void lcdClockBrightnessChanged(uint brightness);
+    /** @p color is the new clockColor(), or the text of every write of customClockColor(). */
     void lcdClockColorChanged(QString color);
     void timeFormatChanged(bool is24Hours);
     void scrollingChanged(bool scrolling);
     void blankScreenChanged(bool blank);
-    void screenSaverTimeChanged(uint minutes);
+    void screenSaverTimeChanged(uint minutes); ///< on every write
     void hidePowerButtonChanged(bool hide);
     void hideOptionsButtonsChanged(bool hide);
     void showBlurBackgroundChanged(bool show);

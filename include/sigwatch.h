@@ -16,19 +16,23 @@ class UnixSignalWatcher : public QObject {
     Q_OBJECT
 
 public:
+    /** Watches nothing yet. The first one makes the socket pair that all of them share. */
     explicit UnixSignalWatcher(QObject *parent = nullptr);
+    /** A watched signal has no effect from then on, unless another watcher reads it. */
     ~UnixSignalWatcher() override;
 
     /**
      * Starts delivering @p signal (a number as in <signal.h>). Asking twice changes nothing; a
-     * signal that cannot be caught is logged at debug level and keeps its default handling.  So
-     * does every signal where the socket pair could not be made: caught, it would be lost.
+     * signal that cannot be caught is logged at debug level and keeps its default handling. So does
+     * every signal if the socket pair could not be made: caught, it would be lost.
      */
     void watchForSignal(int signal);
 
 signals:
-    /** Emitted once for each delivered signal, in the order in which they came. Of a flood that the
-     * event loop does not keep up with, what the socket cannot hold is dropped. */
+    /**
+     * Emitted once for each delivered signal, in the order in which they came. When the event loop
+     * does not keep up with a flood, what the socket cannot hold is dropped.
+     */
     void unixSignal(int signal);
 
 private:

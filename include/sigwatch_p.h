@@ -7,20 +7,21 @@
 class QSocketNotifier;
 class UnixSignalWatcher;
 
-/** The working part of UnixSignalWatcher: a notifier on the process-wide socket pair, and the
- * watched numbers. */
+/** The working part of UnixSignalWatcher: a notifier on the socket pair and the watched numbers. */
 class UnixSignalWatcherPrivate : public QObject {
     Q_OBJECT
     Q_DECLARE_PUBLIC(UnixSignalWatcher)
 
 public:
+    /** @p watcher owns it and emits for it. */
     explicit UnixSignalWatcherPrivate(UnixSignalWatcher *watcher);
+    /** Stops reading; handlers and sockets stay. */
     ~UnixSignalWatcherPrivate() override;
 
+    /** See UnixSignalWatcher::watchForSignal(). */
     void watchForSignal(int signal);
 
-    /** Reads one signal number from @p socket and reports it; anything shorter than a number is
-     * dropped. */
+    /** Reads one signal number from @p socket and reports it; less than a whole one is dropped. */
     void _q_onNotify(int socket);
 
 private:

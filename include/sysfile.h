@@ -14,12 +14,14 @@ class SysFile : public QFile {
     Q_OBJECT
 
 public:
-    /** A writer without a file; setFileName() gives it one. Until then every write fails with the
-     * warning. */
+    /** A writer without a file; until setFileName() gives it one, every write fails. */
     SysFile();
+    /** A writer to the attribute at the path @p fileName, which need not be there yet. */
     explicit SysFile(const QString &fileName);
 
-    /** Writes @p value in decimal, nothing else. An attribute that cannot be opened is logged as a
-     * warning. */
+    /**
+     * Writes @p value in decimal, nothing else. An attribute that cannot be opened is logged as a
+     * warning and never created; an error after that is not noticed.
+     */
     void write(uint value);
 };

@@ -15,23 +15,25 @@ class SystemdWatchdog : public QObject {
     Q_OBJECT
 
 public:
-    /** Sends "WATCHDOG=1" for ever; terminated from outside, while it sleeps. */
+    /** Sends "WATCHDOG=1" until it is terminated from outside, while it sleeps. */
     class WorkerThread : public QThread {
     protected:
         void run() override;
     };
 
+    /** The one object, made by the first call. Deleted at quit. */
     static SystemdWatchdog *instance();
 
+    /** Sends nothing before notifyReady(). */
     explicit SystemdWatchdog(QObject *parent = nullptr);
+    /** Ends the keep-alive, without a message to the service manager. */
     ~SystemdWatchdog() override;
 
-    /** Sends @p state (Latin-1) to the service manager; without a notification socket nothing
-     * happens. */
+    /** Sends @p state as Latin-1 to the service manager, if there is one. Any thread. */
     static void notify(const QString &state);
 
 public slots:
-    /** Sends "READY=1" and starts the keep-alive. To be called once, when the scene is there. */
+    /** Sends "READY=1" and starts the keep-alive. To be called once, when the scene is loaded. */
     void notifyReady();
 
 private:
