@@ -17,10 +17,9 @@ ControlledZone::ControlledZone(const Player *player, const RoonZones *zones, QOb
     look();
     connect(zones, &RoonZones::zonesChanged, this, &ControlledZone::look);
     connect(player, &Player::wantedZoneChanged, this, &ControlledZone::look);
-    // A group's members are part of its zone, and no signal tells of them, nor of the zone that the
-    // player has copied. But after every zone message, of whichever zone, the player notifies of
-    // the limits, changed or not, while the controlled zone has a volume. Without one there is
-    // nothing to be chosen.
+    // No signal tells of the members of a group, nor of the zone that the player has copied. But
+    // after every message of any zone the player notifies of the limits, changed or not, while the
+    // controlled zone has a volume. Without one there is nothing to be chosen.
     connect(player, &Player::limitSoftVolumeChanged, this, &ControlledZone::look);
     connect(player, &Player::volumeAvailableChanged, this, &ControlledZone::look);
 }

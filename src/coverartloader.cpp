@@ -16,8 +16,8 @@ namespace {
 constexpr int PatienceMs = 1000;
 
 // One fetch at a time for the whole scene: a page that is being left may still be inside its fetch
-// when the next page asks for a picture.  Who asks meanwhile is remembered here and looks again
-// when the fetch has returned.
+// when the next page asks for a picture. A loader that asks meanwhile is remembered here and looks
+// again when the fetch has returned.
 bool fetching = false;
 QVector<QPointer<CoverArtLoader>> waitingLoaders;
 
@@ -121,7 +121,7 @@ void CoverArtLoader::load()
     m_waitingFor = nullptr;
     emit waitingChanged();
     if (m_wanted != url || ImageProvider::imageUrl(id) != address) {
-        schedule(); // another picture is wanted by now, or the core has moved
+        schedule(); // by now another picture is wanted, or the core has moved
     } else if (!available) {
         setSource(logo());
     } else {
@@ -138,11 +138,10 @@ void CoverArtLoader::patienceEnded()
     if (m_waitingFor && m_wanted == m_loading)
         setSource(logo());
     else if (ImageProvider *const provider = m_waitingFor ? m_waitingFor : providerFor(this))
-        provider->abandonFetches(); // of what is not wanted here any more, or of another loader
+        provider->abandonFetches(); // ours, which is no longer wanted, or another loader's
 }
 
-// A page in no window is still being made; or it has been left, and a fetch would keep it from its
-// end.
+// A page in no window is still being made, or has been left; a fetch would delay its destruction.
 bool CoverArtLoader::isOutOfWindow() const
 {
     const auto *const page = qobject_cast<const QQuickItem *>(parent());
@@ -151,7 +150,7 @@ bool CoverArtLoader::isOutOfWindow() const
 
 void CoverArtLoader::serverMoved()
 {
-    if (m_waitingFor) // for an address that does not hold any more
+    if (m_waitingFor) // for a picture from an address that is no longer right
         m_waitingFor->abandonFetches();
     schedule();
 }

@@ -24,7 +24,7 @@ QString noImageId()
     return QStringLiteral("NO_IMAGE");
 }
 
-// What a display can be asked to hold.  A cover has a hundredth of either.
+// What a display can be asked to hold. A cover needs a small part of either.
 constexpr qint64 MaxBodyBytes = 32 * 1024 * 1024;
 constexpr int MaxSide = 8192; // pixels
 
@@ -33,8 +33,7 @@ bool isTooLarge(const QSize &size)
     return size.width() > MaxSide || size.height() > MaxSide;
 }
 
-/** The picture in @p body, whose format is found in the data; null if there is none, or it is
- * beyond the limits. */
+/** The picture in @p body, in whatever format; null if there is none or it exceeds the limits. */
 QImage decoded(QByteArray body)
 {
     if (body.size() > MaxBodyBytes)
@@ -49,7 +48,7 @@ QImage decoded(QByteArray body)
 
 } // namespace
 
-/** One wait for a reply.  The flag is guarded by the provider's lock while the wait is listed. */
+/** One wait for a reply. The flag is guarded by the provider's lock while the wait is listed. */
 struct ImageProvider::Wait {
     QEventLoop loop;
     bool abandoned = false;
@@ -136,9 +135,9 @@ QImage ImageProvider::fetchedImage(const QUrl &url, QSize *size)
 }
 
 /**
- * Asks for @p url and waits. Null if the wait was ended from outside, abandoned or because the
- * program quits, even where the reply came in that very moment.  A reply that is longer than any
- * picture may be is given as far as it has come.
+ * Asks for @p url and waits. Null if the wait was ended from outside, because it was abandoned or
+ * the program quits, even if the reply came at that very moment. A reply that is longer than any
+ * picture may be is returned as far as it has arrived.
  */
 QNetworkReply *ImageProvider::get(QNetworkAccessManager &manager, const QUrl &url)
 {

@@ -15,16 +15,14 @@ constexpr int CopiesPrinted = 5;
 
 std::atomic<bool> printDebug { false };
 
-/** What the handler remembers between messages. Never destroyed: messages may come until the very
- * end. */
+/** What the handler remembers between messages. Never destroyed, as messages come until the end. */
 struct Repeats {
     QBasicMutex mutex;
     // The last line, in parts: most lines are hidden and never put together.
     QByteArray file;
     std::optional<int> number; // none before the first message; scene errors may have -1
     QString message;
-    int count = 0; // further copies of the line, counted no further than the first one that is not
-                   // printed
+    int count = 0; // further copies of the line; not counted beyond the first that is not printed
 };
 
 Repeats &repeats()

@@ -42,8 +42,7 @@ QString text(const QByteArray &payload)
     return QString::fromUtf8(payload.constData());
 }
 
-/** The property name that @p level and the level below it stand for: the two joined, if @p level is
- * a group. */
+/** The property that @p level names; joined with the level below it, if it is one of @p groups. */
 QString propertyName(
     const QStringList &levels, int level, std::initializer_list<QLatin1String> groups)
 {
@@ -59,7 +58,7 @@ QString propertyName(
 QVariant converted(const QByteArray &payload, int type)
 {
     // Left to QVariant, a number too large for the type would wrap around or become infinite, and
-    // an "inf" or "nan" would come back from here in a volume command, where JSON has no such word.
+    // an "inf" or "nan" would go out again in a volume command, and JSON has no such word.
     if (type == QMetaType::UInt)
         return payload.toUInt();
     if (type == QMetaType::Float) {
@@ -140,8 +139,7 @@ void Mqtt::publish(QString topic, QByteArray payload, bool retain, uchar qos, bo
     if (cache) {
         const QByteArray cached = m_cache.value(topic);
         if (!cached.isEmpty()) {
-            // Deliberate: the line comes before the comparison, so also when the payload is new and
-            // is sent.
+            // Deliberate: logged before the comparison, so also for a new payload, which is sent.
             qDebug() << "Mqtt::publish() cached value, bail out";
             if (cached == payload)
                 return;
@@ -200,8 +198,8 @@ void Mqtt::processMessageApi(const QByteArray &payload, const QMqttTopicName &to
     } else if (levels.value(ServiceLevel) == QLatin1String("Settings")) {
         updateSettings(levels, payload);
     } else if (levels.value(ConnectedLevel) == QLatin1String("connected")) {
-        // Deliberate: the topic that is subscribed to has its "connected" one level deeper and does
-        // not get here.
+        // Deliberate: the topic that is subscribed to has "connected" one level deeper, and its
+        // messages do not get here.
         processRemoteConnected(payload);
     } else if (levels.value(RemoteControlLevel) == QLatin1String("Control")) {
         processCommand(payload);
@@ -310,8 +308,8 @@ bool Mqtt::updateVelunorState(const QStringList &levels, const QByteArray &paylo
         qWarning().noquote().nospace() << "Mqtt::updateVelunorState() unknown property: " << name;
         return false;
     }
-    // Deliberate: all appliance state travels as a boolean; its text properties read "true" or
-    // "false" then.
+    // Deliberate: all appliance state travels as a boolean; its two text properties then read
+    // "true" or "false".
     const bool value = QVariant(payload).toBool();
     qDebug().noquote().nospace() << "Mqtt::updateVelunorState() setting property " << name
                                  << " to value: " << value;

@@ -41,7 +41,7 @@ NavigationController::NavigationController(QObject *parent)
                                  << QThread::currentThreadId();
 
     m_screens.insert(WelcomeScreen, QStringLiteral("Welcome"));
-    // Deliberate: two branches with the same page; each width may get a layout of its own one day.
+    // Deliberate: two branches with the same page; each width may get its own layout one day.
     const uint width = ScreenController::instance()->width();
     if (width == 800) {
         m_screens.insert(PlayerScreen, QStringLiteral("RoonPlayerWindow2"));
@@ -135,7 +135,7 @@ void NavigationController::screenChanged(QString name)
         return;
     }
     m_screen = named.first();
-    // Queued: the scene's own event is to end first.
+    // Queued, so that the scene's own event ends first.
     QMetaObject::invokeMethod(this, &NavigationController::processState, Qt::QueuedConnection);
 }
 
@@ -257,7 +257,7 @@ void NavigationController::armScreenSaver()
     const uint minutes = Settings::instance()->screenSaverTime();
     qDebug().noquote().nospace() << "NavigationController::processState() start screensaver timer "
                                  << minutes;
-    // A running timer is left alone: the delay counts from when it was armed first.
+    // A running timer is left alone: the delay counts from when it was first armed.
     if (m_screenSaverTimer->isActive())
         return;
     const qint64 interval = minutes * MsPerMinute;

@@ -112,7 +112,7 @@ void Player::update()
     setSeekAllowed(zone->isSeekAllowed());
     copyVolume(*zone);
 
-    // Queued: the screen is decided on when the message has been handled to its end.
+    // Queued, so that the screen is decided on once the message has been handled completely.
     NavigationController *const navigation = NavigationController::instance();
     QMetaObject::invokeMethod(navigation, &NavigationController::updateState, Qt::QueuedConnection);
 }

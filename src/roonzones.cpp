@@ -39,7 +39,7 @@ QStringList RoonZones::availableNames() const
     std::sort(names.begin(), names.end(), [](const QString &left, const QString &right) {
         const int order = left.compare(right, Qt::CaseInsensitive);
         return order != 0 ? order < 0
-                          : left < right; // names that differ in case only keep one order
+                          : left < right; // a fixed order for names that differ only in case
     });
     return names;
 }
@@ -107,8 +107,8 @@ RoonZones::Found RoonZones::lookUp(const QString &displayName) const
     if (exact != m_available.constEnd())
         return { exact.value(), nullptr };
 
-    // Group names are the members' names joined by " + ".  Deliberate: the name counts anywhere in
-    // the group's name; only the last member has no " + " behind it, and is found as a follower.
+    // Group names are the members' names joined by " + ". Deliberate: the name counts anywhere in
+    // the group's name. Only the last member has no " + " after it, and is found as a follower.
     const QString leading = displayName + QLatin1String(" + ");
     for (auto zone = m_available.constBegin(); zone != m_available.constEnd(); ++zone) {
         if (zone.key().contains(leading))

@@ -12,12 +12,11 @@
 
 namespace {
 
-// What the kernel's bl_power attribute takes; the other way round than one would think.
+// What the kernel's bl_power attribute takes; the reverse of what one would expect.
 constexpr uint PowerOn = 0;
 constexpr uint PowerOff = 1;
 
-/** The first entry of @p directory in the file system's own order, as sysfs lists it; empty without
- * one. */
+/** The first entry of @p directory in the order in which sysfs lists it; empty without one. */
 QString firstEntry(const QDir &directory)
 {
     return directory.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted).value(0);
@@ -28,8 +27,7 @@ bool isTrue(const QProcessEnvironment &environment, const QString &name)
     return environment.value(name, QStringLiteral("false")).toUpper() == QLatin1String("TRUE");
 }
 
-/** The whole number in the variable @p name, @p fallback (with a warning) if it holds something
- * else. */
+/** The whole number in the variable @p name; @p fallback, with a warning, if it holds none. */
 int number(
     const QProcessEnvironment &environment, const QString &name, const char *what, int fallback)
 {

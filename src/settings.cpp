@@ -135,7 +135,7 @@ void Settings::setBlankScreen(bool value)
 
 void Settings::setScreenSaverTime(uint minutes)
 {
-    // Deliberate: every write notifies, equal or not, and nothing is logged.
+    // Deliberate: every write notifies, even of an equal value, and nothing is logged.
     m_screenSaverTime = minutes;
     emit screenSaverTimeChanged(minutes);
 }

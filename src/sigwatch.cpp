@@ -13,8 +13,7 @@
 
 namespace {
 
-// One pair for the process, made by the first watcher and never closed: a handler may run at any
-// time.
+// One pair for the process, made by the first watcher. Never closed: a handler may run at any time.
 int sockets[2] = { -1, -1 };
 
 bool haveSockets()
@@ -23,8 +22,7 @@ bool haveSockets()
 }
 
 // Asynchronous context: nothing but the write, and the interrupted code's errno left as it was.
-// When the socket is full the signal is dropped: the thread that waits here may be the one that
-// reads.
+// When the socket is full the signal is dropped, as the interrupted thread may be the reading one.
 void handleSignal(int signal)
 {
     const int interrupted = errno;
@@ -58,7 +56,7 @@ void UnixSignalWatcherPrivate::watchForSignal(int signal)
         qDebug().noquote().nospace() << "Already watching for signal " << signal;
         return;
     }
-    // A signal that nobody could be told of keeps its default effect, which ends the process.
+    // A signal that nobody could be told of keeps its default effect, which is to end the process.
     if (!m_notifier)
         return;
     struct sigaction action = {};

@@ -18,8 +18,8 @@ SysFile::SysFile(const QString &fileName)
 
 void SysFile::write(uint value)
 {
-    // An attribute that is not there must not be made.  The name is tested first because opening a
-    // file without one makes Qt log a warning of its own.
+    // An attribute that is not there must not be created. The name is tested first because opening
+    // a file without one makes Qt log a warning of its own.
     if (fileName().isEmpty()
         || !open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::ExistingOnly)) {
         qWarning().noquote().nospace() << "SysFile::write() failed to open file: " << fileName();

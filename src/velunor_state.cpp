@@ -16,8 +16,7 @@ VelunorState::VelunorState(QObject *parent)
     qDebug().noquote().nospace() << "VelunorState::constructor in thread "
                                  << QThread::currentThreadId();
 
-    // Deliberate: UpdateInhibited and InhibitReason are not connected, their changes are not
-    // logged.
+    // Deliberate: UpdateInhibited and InhibitReason are left out, so their changes are not logged.
     constexpr void (VelunorState::*logged[])() = {
         &VelunorState::stateVelunorStageChanged,
         &VelunorState::stateVelunorInitChanged,
