@@ -11,9 +11,10 @@ Rectangle {
 
     /** Tells the time; a property, so that a clock that stands still can take its place. */
     property var now: function() { return new Date(); }
-    // A colour that is none comes out as null here, without a warning.
+    // For a text that is no colour, Qt.lighter() gives null without a warning.
     readonly property color textColor: Qt.lighter(Settings.clockColorRGB) ? Settings.clockColorRGB : Theme.clockText
 
+    /** Fills all texts for this time, by the setting for 12 or 24 hours. */
     function showTime(time) {
         if (Settings.timeFormat) {
             timeText.text = Qt.formatTime(time, "H:mm");

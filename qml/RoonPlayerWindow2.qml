@@ -15,15 +15,17 @@ import "components/format.js" as Format
 Rectangle {
     id: root
 
+    /** Whether the boxes show their outlines, for work on the layout. */
     property bool gl_show_debug_lines: false
-    // Deliberate: the margins to the left and right, too, are taken from the height.
+    // Deliberate: the margins to the left and right are taken from the height as well.
     readonly property real margin: 0.01 * ScreenController.height
     readonly property bool nothingPlaying: Player.queueItemsRemaining === 0 && Player.roonState !== "playing"
                                            && Player.roonState !== "loading" && !Player.playAllowed
     readonly property bool playPauseAllowed: Player.playAllowed || Player.pauseAllowed
-    // The precision has no signal, and is decided after the step has been reported, so it is read once that is over.
+    // The precision has no signal, and is decided after the step has been reported, so it is read after that.
     property int volumePrecision: 0
 
+    /** To be called once the player has decided on the precision. */
     function readVolumePrecision() {
         volumePrecision = Player.volumeDisplayPrecision;
     }
@@ -205,7 +207,7 @@ Rectangle {
         outlined: root.gl_show_debug_lines
         bold: true
         textColor: Theme.primaryText
-        // Deliberate: a smaller title at this width stands better between the edge of the screen and the cover.
+        // Deliberate: at this width a smaller title sits better between the edge of the screen and the cover.
         pixelSize: height / (ScreenController.width === 800 ? 1.7 : 1.4)
         text: root.nothingPlaying ? qsTr("Nothing Playing") : Player.song
         scrollDuration: 18000
@@ -221,13 +223,13 @@ Rectangle {
         zoneId: controlledZone.zoneId
         volumeAvailable: Player.volumeAvailable
         volume: Player.volume
-        // Until the zone's own limits are there, those of the zone before must not count for it.
+        // Until the zone's own limits are there, those of the previous zone must not count for it.
         limitMinVolume: controlledZone.shown ? Player.limitMinVolume : NaN
         limitMaxVolume: controlledZone.shown ? Player.limitMaxVolume : NaN
         limitSoftVolume: controlledZone.shown ? Player.limitSoftVolume : NaN
         volumeDisplayPrecision: root.volumePrecision
         volumeStep: Player.volumeStep
-        // A step of the zone before is none of this one's.
+        // The step may still be that of the previous zone.
         onVolumeDown: if (controlledZone.shown) Player.commandVolumeDown()
         onVolumeUp: if (controlledZone.shown) Player.commandVolumeUp()
         onVolumeMoved: Player.movedVolumeSlider(value)

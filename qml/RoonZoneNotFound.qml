@@ -7,10 +7,11 @@ import Velunor.Screen 1.0
 import "components"
 import "components/format.js" as Format
 
-/** The zone to be controlled is missing; another one can be chosen. */
+/** The zone to be controlled is missing; where there are others, one of them can be chosen. */
 NoticePage {
     id: root
 
+    /** Whether there are zones to choose from. */
     readonly property bool zonesKnown: RoonZones.zones.length > 0
 
     objectName: "RoonZoneNotFound"

@@ -10,11 +10,13 @@ import "components"
 Rectangle {
     id: root
 
+    /** Leaves the page, with the brightness levels of the start-up. */
     function cancel() {
         ScreenController.restoreSettings();
         Navigation.clickedLeaveSettings();
     }
 
+    /** Leaves the page and keeps the brightness levels. */
     function save() {
         console.debug("SettingsWindow: SAVE");
         ScreenController.saveSettings();

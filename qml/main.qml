@@ -9,6 +9,7 @@ import "components"
 Window {
     id: root
 
+    /** The pages, by the names of their files without ".qml". */
     property var screenList: [
         "Welcome",
         get_player_window(ScreenController.width),
@@ -19,6 +20,7 @@ Window {
         "RoonZoneNotFound",
         "UpdateInstalling"
     ]
+    /** The page on view; for a name that is not in the list there is none. */
     property string currentScreen: "Welcome"
 
     // Deliberate: the width is not used; layouts of their own for other widths would be chosen here.
@@ -65,8 +67,8 @@ Window {
                             active = true;
                     }
 
-                    // A page that is left while it is being made is finished first: the engine never forgets a page
-                    // that it was kept from finishing.
+                    // A page that is left while it is being made is finished first: the engine never frees a page that
+                    // it was kept from finishing.
                     function unloadIfHidden() {
                         if (!visible && status !== Loader.Loading)
                             active = false;

@@ -6,11 +6,17 @@ import "."
 Item {
     id: root
 
+    /** Plain text, of any length. */
     property alias album: albumLine.text
+    /** Pixel size of the album. */
     property alias albumSize: albumLine.pixelSize
+    /** Plain text, of any length. */
     property alias artist: artistLine.text
+    /** Pixel size of the artist. */
     property alias artistSize: artistLine.pixelSize
+    /** Whether the boxes show their outlines, for work on the layout. */
     property bool outlined: false
+    /** Whether texts that do not fit scroll; otherwise they are cut. */
     property bool scrollingEnabled: true
 
     ScrollingLine {

@@ -6,7 +6,9 @@ import QtGraphicalEffects 1.15
 Item {
     id: root
 
+    /** Address of the picture. */
     property alias source: picture.source
+    /** Whether the blurred copy is shown; without it there is nothing to see. */
     property bool blurred: true
 
     Image {

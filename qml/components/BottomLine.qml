@@ -7,15 +7,22 @@ import "format.js" as Format
 Item {
     id: root
 
+    /** Time played, ready to be shown. */
     property string seekPositionText
+    /** Length of the track, ready to be shown. */
     property string lengthText
+    /** Display name of the zone; what does not fit is cut. */
     property string zone
+    // Whether the two times are shown; the name always is.
     property bool seekPositionVisible: false
     property bool lengthVisible: false
+    // Pixel sizes of the two times and of the name.
     property real timeSize
     property real zoneSize
+    /** Whether the boxes show their outlines, for work on the layout. */
     property bool outlined: false
 
+    /** A tap on the name of the zone. */
     signal zoneTouched()
 
     LayoutBox {

@@ -8,6 +8,7 @@ PageText {
 
     /** The brightness in force; it may lie outside the band of the panel, where the slider cannot follow. */
     property int brightness
+    // Ends of the panel's brightness band.
     property alias minBrightness: slider.lowest
     property alias maxBrightness: slider.highest
 

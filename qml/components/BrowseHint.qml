@@ -7,8 +7,11 @@ import "format.js" as Format
 Item {
     id: root
 
+    /** The appliance's host name, without ".local". */
     property string hostName
+    /** The appliance's IPv4 address; empty where there is none. */
     property string address
+    /** Whether the boxes show their outlines, for work on the layout. */
     property bool outlined: false
 
     NoticeLine {

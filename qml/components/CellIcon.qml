@@ -6,10 +6,13 @@ import "."
 LayoutBox {
     id: root
 
+    /** Address of the icon. */
     property alias source: icon.source
     /** Side of the icon as a part of the cell's shorter side. */
     property real iconFraction: 1
+    /** 1 unless set. */
     property alias iconOpacity: icon.opacity
+    /** Hides the icon alone; the cell stays. */
     property bool iconVisible: true
 
     Image {

@@ -5,10 +5,11 @@ import QtQuick 2.15
 Item {
     id: root
 
+    // The text, in one line, with its colour; the pixel size is that which it has where there is room.
     property alias text: label.text
     property alias color: label.color
     property alias pixelSize: label.font.pixelSize
-    /** Width from which on the text becomes smaller. */
+    /** Width beyond which the text becomes smaller. */
     property alias room: label.width
 
     FittedText {

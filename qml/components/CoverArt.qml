@@ -6,8 +6,10 @@ import "."
 Rectangle {
     id: root
 
+    /** Address of the cover; the whole of it is fitted into the frame. */
     property alias source: picture.source
 
+    /** A tap anywhere on it, the frame included. */
     signal touched()
 
     color: Theme.invisible

@@ -6,10 +6,14 @@ import "."
 Rectangle {
     id: root
 
+    /** One line; it becomes smaller where it does not fit. */
     property alias text: label.text
+    /** Size of a text that fits. */
     property alias pixelSize: label.font.pixelSize
+    /** Pixels by which the touch area reaches beyond the frame. */
     property alias touchMargin: touchArea.margin
 
+    /** A tap. */
     signal touched()
 
     color: touchArea.pressed ? Theme.buttonPressed : Theme.invisible

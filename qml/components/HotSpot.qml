@@ -5,6 +5,7 @@ import QtQuick 2.15
 Item {
     id: root
 
+    /** A tap. */
     signal touched()
 
     height: width

@@ -5,8 +5,10 @@ import QtQuick 2.15
 CellIcon {
     id: root
 
+    /** Pixels by which the touch area reaches beyond the cell. */
     property alias touchMargin: touchArea.margin
 
+    /** A tap. */
     signal touched()
 
     TouchArea {

@@ -4,7 +4,9 @@ import "."
 
 /** A box of the layout: invisible, unless its outline is switched on to see where it lies. */
 Rectangle {
+    /** Whether the outline is shown, for work on the layout. */
     property bool outlined: false
+    /** Colour of the outline. */
     property color outlineColor: Theme.debugOutline
 
     color: Theme.invisible

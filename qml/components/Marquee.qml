@@ -4,26 +4,31 @@ import "."
 import "format.js" as Format
 
 /**
- * A line of text that runs through its box from right to left, again and again, when it is too long for it.
- * A text that fits, or may not scroll, stands still at the left edge.
+ * A line of text that runs through its box from right to left, again and again, when it is too long for it. A text that
+ * fits, or may not scroll, stands still at the left edge. A change of text, font, width or duration begins anew.
  */
 Item {
     id: root
 
+    // How the text looks. The colour, unless set, is one that stands out.
     property color textColor: Theme.unsetText
     property alias bold: label.font.bold
     property alias pixelSize: label.font.pixelSize
     property alias family: label.font.family
+    /** Plain text. Line breaks are shown as blanks, and only the first 2,000 characters are shown. */
     property string text
-    /** Milliseconds that one passage takes. */
+    /** Milliseconds that one passage takes; unless set, 200 for each character. */
     property int scrollDuration: 200 * Math.min(text.length, Format.longestText)
+    /** Whether a text that is too long runs; otherwise it is cut, with an ellipsis. */
     property bool scrollingEnabled: true
+    /** Whether the text is running. */
     readonly property bool scrolling: scrollingEnabled && visible && whole.implicitWidth > width
-    /** What the text takes with all that its glyphs reach beyond their places in the line. */
+    /** Pixels that the text takes, with all that its glyphs reach beyond their places in the line. */
     readonly property int textWidth: Math.ceil(whole.implicitWidth)
     /** How much of the passage is over, from 0 to 1. */
     property real passed: 0
 
+    /** Lets a running text begin at the right edge again. */
     function beginAnew() {
         if (passage.running)
             passage.restart();
@@ -39,8 +44,8 @@ Item {
 
         objectName: "label"
         anchors.verticalCenter: parent.verticalCenter
-        // An animation of the place itself would keep the ends with which it began: those of the text before, when a
-        // change handler begins it before all bindings have followed the change.
+        // An animation of the place itself would keep the ends with which it began: those of the previous text, when a
+        // change handler starts it before all bindings have followed the change.
         x: root.scrolling ? root.width - root.passed * (root.width + root.textWidth) : 0
         width: root.scrolling ? root.textWidth : root.width
         leftPadding: whole.leftPadding
@@ -53,8 +58,8 @@ Item {
         onFontChanged: root.beginAnew()
     }
 
-    // How wide the label is when nothing is cut off.  The label cannot be asked itself: it would tell in the middle of its
-    // layout, and would be cut off and not cut off by what follows from the answer, in either order.
+    // How wide the label is when nothing is cut off. The label itself cannot be asked: it would answer in the middle of
+    // its layout, and what follows from the answer would cut it off, or not, and so change the answer.
     PageText {
         id: whole
 

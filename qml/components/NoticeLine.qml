@@ -3,12 +3,13 @@ import QtQuick 2.15
 import "."
 
 /**
- * One line of a notice, with bold parts in `<b>` tags; what it quotes from outside has to be escaped.  A text too long
- * for the line becomes smaller and takes a second line; only one that goes on for ever ends in an ellipsis.
+ * One line of a notice. A text too long for the line becomes smaller and takes a second line; only what does not fit
+ * then is cut, with an ellipsis.
  */
 LayoutBox {
     id: root
 
+    /** With bold parts in `<b>` tags; what it quotes from outside has to be escaped. */
     property alias text: label.text
 
     PageText {

@@ -8,11 +8,13 @@ import "."
 Rectangle {
     id: root
 
+    /** One line of plain text. */
     property string title
-    /** The lines below the title, with bold parts in `<b>` tags. */
+    /** The lines below the title, each a text for a NoticeLine; an empty one leaves its place free. */
     property var lines: []
-    /** Lower edge of the lines. */
+    /** Lower edge of the lines, where a page may add something of its own. */
     readonly property real linesBottom: lineColumn.y + lineColumn.height
+    /** Whether the boxes show their outlines, for work on the layout. */
     property bool gl_show_debug_lines: false
 
     width: ScreenController.width

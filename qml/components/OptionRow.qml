@@ -6,11 +6,14 @@ import "."
 LayoutBox {
     id: root
 
+    // What is on. For the loop only "disabled" counts as off; "loop_one" shows a "1" as well.
     property bool autoRadio: false
     property bool shuffle: false
     property string loop
+    /** Hides the icons alone; the cells go on answering taps. */
     property bool iconsVisible: true
 
+    // A tap on one of the cells. It changes nothing here.
     signal radioTouched()
     signal shuffleTouched()
     signal loopTouched()

@@ -7,7 +7,9 @@ import Velunor.Screen 1.0
 Item {
     id: root
 
+    /** Whether the pages are as wide as the panel is high, and the reverse. */
     property bool isSwapped: false
+    /** Whether the pages are turned by `ScreenController.rotation`; the window is then full-screen from the start. */
     property bool isRotated: false
 
     anchors.centerIn: parent

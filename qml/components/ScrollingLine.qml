@@ -4,6 +4,7 @@ import "."
 
 /** A box of the layout with one scrolling label in it. */
 LayoutBox {
+    // Those of the Marquee.
     property alias bold: marquee.bold
     property alias pixelSize: marquee.pixelSize
     property alias scrollDuration: marquee.scrollDuration

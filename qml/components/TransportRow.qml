@@ -6,12 +6,17 @@ import "."
 LayoutBox {
     id: root
 
+    // Which of the icons are shown; the cells answer taps in any case.
     property bool previousAllowed: false
     property bool nextAllowed: false
     property bool playPauseAllowed: false
+
+    /** Whether the middle icon offers to pause or stop rather than to play. */
     property bool playing: false
+    /** Whether it offers to pause rather than to stop. */
     property bool seekAllowed: false
 
+    // A tap on one of the cells. It changes nothing here.
     signal previousTouched()
     signal playPauseTouched()
     signal nextTouched()

@@ -2,10 +2,11 @@
 import QtQuick 2.15
 import "."
 
-/** Offers an update; a tap installs it. */
+/** Offers to install an update. */
 Rectangle {
     id: root
 
+    /** A tap. */
     signal touched()
 
     color: Theme.badge

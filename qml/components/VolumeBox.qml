@@ -6,11 +6,15 @@ import "."
 LayoutBox {
     id: root
 
+    /** The volume, ready to be shown; empty for none. */
     property string volumeText
+    /** Pixels; the two cells are equal, and overlap. */
     readonly property real cellWidth: (width + cells.overlap) / 2
 
+    /** A tap. */
     signal touched()
 
+    /** Lights the box up for 2.5 seconds from now. */
     function highlight() {
         highlightTimer.restart();
     }

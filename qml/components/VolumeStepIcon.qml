@@ -3,7 +3,7 @@ import QtQuick 2.15
 
 /** One of the two icons beside the volume slider. */
 IconButton {
-    /** Has the finger lose the icon: its lifting is no touch of it. */
+    /** Takes the icon away from a finger that holds it: its lifting is no tap then. */
     function interrupt() {
         // An item that is disabled is taken away from the finger that holds it.
         enabled = false;

@@ -6,14 +6,19 @@ import "."
 PanelPopup {
     id: root
 
+    /** The display names to choose from, in the order in which they are shown. It may change while the list is open. */
     property var zones: []
-    /** Size of the screen that the panel leaves a margin on. */
+
+    // Size in pixels of the screen, on which the panel leaves a margin.
     property real screenWidth
     property real screenHeight
 
+    /** A tap on this name, which is still among the zones; the dialog is closed. */
     signal zoneSelected(string name)
 
-    /** Gives each zone its row.  Rows come and go at the end alone, so that the list keeps its place. */
+    // The rest is for the dialog itself.
+
+    /** Gives each zone its row. Rows come and go at the end only, so that the list keeps its place. */
     function showZones() {
         if (zones.length < rows.count)
             zoneList.leaveRowsFrom(zones.length);
@@ -22,8 +27,9 @@ PanelPopup {
         zoneList.currentIndex = 0;
     }
 
+    /** Answers a tap on a name. */
     function select(name) {
-        // It was pressed before it went.
+        // It may have gone since it was pressed.
         if (zones.indexOf(name) < 0)
             return;
         console.debug(name);
@@ -41,7 +47,7 @@ PanelPopup {
     onZonesChanged: showZones()
     onAboutToShow: zoneList.positionViewAtBeginning()
 
-    // A list over the names themselves would begin at the top again with every change of them, and forget the finger.
+    // A list over the names themselves would return to the top whenever they change, and forget the finger.
     ListModel {
         id: rows
     }
@@ -66,19 +72,19 @@ PanelPopup {
         }
     }
 
-    // A grid of one column: it knows the places of all rows, where a list estimates them from the rows that it has made.
+    // A grid of one column: it knows the places of all rows, while a list estimates them from the rows it has made.
     GridView {
         id: zoneList
 
         readonly property real rowHeight: root.panelHeight / 8
 
         /**
-         * Removes the rows from this one on.  A list that is left without any row on view would take its place for the
-         * beginning, so it goes to its new end before.
+         * Removes the rows from this one on. A list that is left without any row on view would take its place for the
+         * beginning, so it goes to its new end first.
          */
         function leaveRowsFrom(first) {
             if (contentY > Math.max(0, first * rowHeight - height)) {
-                // A finger that is still on it would take it away from there: disabled, the list lets go of it.
+                // A finger that is still on it would pull it away from there: disabled, the list lets go of the finger.
                 enabled = false;
                 enabled = true;
                 positionViewAtIndex(first - 1, GridView.End);
@@ -119,7 +125,7 @@ PanelPopup {
         }
     }
 
-    // Tells that there is more, and where.
+    // Shows that there is more, and where.
     Rectangle {
         objectName: "scrollPosition"
         anchors { right: zoneList.right; rightMargin: 2 }

@@ -3,13 +3,16 @@ import QtQuick 2.15
 import "."
 import "format.js" as Format
 
-/** A name in the zone chooser.  Only a tap chooses it: a finger that moves wants to scroll, or has changed its mind. */
+/** A name in the zone chooser. Only a tap chooses it: a finger that moves is scrolling, or has changed its mind. */
 Item {
     id: root
 
+    /** Plain text; what does not fit is cut, with an ellipsis. */
     property string name
+    /** Size of the name. */
     property alias pixelSize: label.font.pixelSize
 
+    /** A tap; the name is the one that was pressed, even if the row has another by now. */
     signal chosen(string name)
 
     PageText {

@@ -30,7 +30,7 @@ function escaped(text) {
     return text.replace(/&/g, "&amp;").replace(/</g, "&lt;").replace(/>/g, "&gt;").replace(/"/g, "&quot;");
 }
 
-/** Of a text that is longer than this, only the beginning is laid out: a megabyte would take more than a second. */
+/** Characters; only this much of a longer text is laid out, as a megabyte would take more than a second. */
 const longestText = 2000;
 
 /** The beginning of `text` that is laid out; a character that takes two places is not cut in the middle. */
