@@ -20,7 +20,7 @@ Rectangle {
             timeText.text = Qt.formatTime(time, "H:mm");
         } else {
             // Deliberate: only beside its marker does the hour come in twelves, so the marker is put in front and cut
-            // off again.  It has two characters in most languages, but not in all.
+            // off again. It has two characters in most languages, but not in all.
             markerText.text = Qt.formatTime(time, "AP");
             timeText.text = Qt.formatTime(time, "Ah:mm").substring(markerText.text.length);
         }

@@ -6,7 +6,7 @@ import Velunor.Screen 1.0
 import Velunor.Settings 1.0
 import "components"
 
-/** The two brightness levels.  Every change shows at once; only "Save" keeps it. */
+/** The two brightness levels. Every change shows at once; only "Save" keeps it. */
 Rectangle {
     id: root
 

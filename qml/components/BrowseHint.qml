@@ -3,7 +3,7 @@ import QtQuick 2.15
 import "."
 import "format.js" as Format
 
-/** Where the appliance's web interface is found.  As high as its first line; the second one is below it. */
+/** Where the appliance's web interface is found. As high as its first line; the second one is below it. */
 Item {
     id: root
 

@@ -6,7 +6,7 @@ function volume(value, decimals) {
     return isFinite(value) ? value.toFixed(decimals) : "";
 }
 
-// A volume command carries one decimal.  Volumes are single floats: 80.1 arrives as 80.09999847, and is meant as 80.1.
+// A volume command carries one decimal. Volumes are single floats: 80.1 arrives as 80.09999847, and is meant as 80.1.
 
 /** The number of one decimal that is nearest to `value`. */
 function tenth(value) {
