@@ -15,7 +15,7 @@
 
 namespace {
 
-/** A closed standard descriptor would be taken by the next socket, and get the lines. */
+/** Opens those that are closed: the next socket would take their numbers, and get the lines. */
 void keepStandardDescriptors()
 {
     int descriptor = 0;
@@ -25,10 +25,7 @@ void keepStandardDescriptors()
         close(descriptor);
 }
 
-/**
- * Whole lines at once, so that a reader of a pipe sees them as they come.  False when that reader
- * has left.
- */
+/** Whole lines at once, so that a pipe's reader sees them as they come. False when it has left. */
 bool print(FILE *stream, const QString &text)
 {
     errno = 0;
@@ -106,12 +103,11 @@ int run(const Options &options)
 int main(int argc, char *argv[])
 {
     keepStandardDescriptors();
-    std::signal(SIGPIPE, SIG_IGN); // a reader that leaves shall not end it without a goodbye
+    std::signal(SIGPIPE, SIG_IGN); // a reader that leaves must not end it without a farewell
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("velunor-simulator"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TOUCHUI_VERSION));
-    // The lines of the simulator are its output; what the shared classes log is for their own
-    // program.
+    // The simulator's lines are its output; what the shared classes log is for the other program.
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
 
     Options options;

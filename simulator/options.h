@@ -18,7 +18,7 @@ struct Options {
     QString zone = QStringLiteral("Hugo2X"); ///< the name of the appliance's own zone
     QString panel;                           ///< where a simulated panel is made; empty: nowhere
 
-    /** @p arguments begin with the program's name.  False, with the reason, when they are wrong. */
+    /** @p arguments begin with the program's name. False, with the reason, when they are wrong. */
     static bool parse(const QStringList &arguments, Options *options, QString *problem);
     static QString helpText();
 };

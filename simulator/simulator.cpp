@@ -10,7 +10,7 @@ constexpr int ClockMs = 1000;      // of simulated time
 constexpr int ShortestTickMs = 10; // of real time
 constexpr int LongestLine = 1000;  // in characters, beyond which nobody reads
 
-/** Whether it would change the direction of all that follows it on the terminal. */
+/** Whether it would change the direction of everything after it on the terminal. */
 bool turnsText(QChar character)
 {
     switch (character.direction()) {
@@ -133,7 +133,7 @@ bool Simulator::start(QString *problem)
         return false;
     tell(QStringLiteral("image: serving at %1").arg(m_images.address()));
     tell(QStringLiteral("web: serving at 127.0.0.1:%1").arg(m_web.port()));
-    // What the scenario begins with is true from the first message on, and its own messages replace
+    // What the scenario begins with is true from the first message on; its own messages replace
     // what the services say.
     m_player.prepare();
     m_state.start();

@@ -35,20 +35,18 @@ public:
      * is taken or the panel cannot be made.
      */
     bool start(QString *problem);
-    /** Leaves the broker; what was published stays there, as after a service's end. */
+    /** Leaves the broker; what is retained stays there, as when a service ends. */
     void stop();
 
-    /**
-     * Gives every zone something to play: the first one all music, the others an album each.
-     */
+    /** Gives every zone something to play: the first one all music, the others an album each. */
     static void fillQueues(RemoteControlService *remote);
 
 signals:
     /** The simulation is over, with this exit status. */
     void ended(int status);
     /**
-     * One line for people, cut when very long, without newline, control characters, or what turns
-     * the direction of the text.
+     * One line for people, cut when very long, without newlines, control characters, or characters
+     * that change the direction of the text.
      */
     void told(const QString &line);
 

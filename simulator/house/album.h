@@ -8,7 +8,7 @@
 /** One piece of music, or one programme of an internet radio. */
 struct Track {
     QString song;
-    /** Above 0; a programme too lasts a while, although its length is not published. */
+    /** Above 0; a programme lasts a while as well, although its length is not published. */
     int seconds = 0;
 };
 
@@ -22,6 +22,6 @@ struct Album {
     /** False: nobody ever scanned a cover, and the picture service has none. */
     bool hasCover = true;
 
-    /** Under which the picture service knows the cover; "NO_IMAGE" when there is none. */
+    /** The key of the cover at the picture service; "NO_IMAGE" when there is none. */
     QByteArray imageKey() const;
 };

@@ -8,7 +8,7 @@
 #include <QVector>
 
 /**
- * The music and the zones of a house that does not exist.  All names are invented.
+ * The music and the zones of a house that does not exist. All names are invented.
  *
  * The choice is meant to be awkward: very long and very short titles, right-to-left and East Asian
  * scripts, accents, markup in a title, a missing cover, an hour-long track, a radio.

@@ -6,7 +6,7 @@
 
 /** What is fixed about a zone's volume control, in the zone's own units. */
 struct VolumeRange {
-    bool available = true;      ///< false: the amplifier sets the volume, nobody else can
+    bool available = true;      ///< false: only the amplifier itself sets the volume
     QByteArray type = "number"; ///< or "db"
     double min = 0;
     double max = 100;

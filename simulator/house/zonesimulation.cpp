@@ -13,7 +13,7 @@
 
 namespace {
 
-/** After so long, "previous" means the beginning of this track. */
+/** After this time, "previous" means the beginning of this track. */
 constexpr int RestartAfterMs = 5000;
 
 QByteArray boolean(bool value)
@@ -338,7 +338,7 @@ void ZoneSimulation::moveTo(int place)
 
 void ZoneSimulation::moveOn()
 {
-    // A station's programmes come round for ever.
+    // A station's programmes go round forever.
     if (isRadio() || m_loop == QLatin1String("loop") || m_place + 1 < m_order.size()) {
         moveTo((m_place + 1) % m_order.size());
         return;
@@ -365,7 +365,7 @@ void ZoneSimulation::endOfTrack()
 
 void ZoneSimulation::shuffleRest()
 {
-    // By hand: the standard library's shuffle is free to differ between versions.
+    // By hand: the standard library's shuffle may differ between versions.
     for (int place = int(m_order.size()) - 1; place > m_place + 1; --place)
         std::swap(m_order[place], m_order[m_random->bounded(m_place + 1, place + 1)]);
 }

@@ -12,8 +12,8 @@
 /**
  * One playback zone: its queue, its position in it, its volume, and what of it is published.
  *
- * Time passes only through advance().  Every operation ends by reporting each published property
- * that it changed, once.  What cannot be done (next on a radio, volume of a fixed zone) is refused
+ * Time passes only through advance(). Every operation ends by reporting each published property
+ * that it changed, once. What cannot be done (next on a radio, volume of a fixed zone) is refused
  * by returning false and changes nothing.
  */
 class ZoneSimulation : public QObject {
@@ -26,19 +26,19 @@ public:
         QByteArray value;
     };
 
-    /** Nothing in the queue.  @p random decides shuffling and radio; it must outlive the zone. */
+    /** Nothing in the queue. @p random decides shuffling and radio; it must outlive the zone. */
     ZoneSimulation(
         const ZoneDescription &description, QRandomGenerator *random, QObject *parent = nullptr);
 
     QString id() const { return m_description.id; }
-    /** The display name, without any other zone that is grouped with it. */
+    /** The display name, without those of other zones that are grouped with it. */
     QString ownName() const { return m_description.name; }
     /** The own name before any renaming. */
     QString firstName() const { return m_firstName; }
     /** The published name: of a group, the members' names joined by " + ". */
     QString name() const;
     bool isPlaying() const { return m_state == State::Playing; }
-    /** The song on; empty when the queue is. */
+    /** The song that is on; empty when the queue is empty. */
     QString song() const;
     /** What is on, in one line for people. */
     QString nowPlaying() const;
@@ -46,13 +46,13 @@ public:
 
     /** Everything published about the zone, in a fixed order. */
     QVector<Property> properties() const;
-    /** Reports every property again, also the unchanged ones. */
+    /** Reports every property again, even the unchanged ones. */
     void republish();
     /** Reports the properties that have changed since they were reported last. */
     void reportChanges();
 
-    // Whoever changes a zone's name tells it, after the list of zones that names it: see
-    // reportChanges().
+    // The next two report nothing: whoever calls them calls reportChanges(), once the list of zones
+    // has the new name.
     void rename(const QString &name);
     /** The own names of the zones that follow this one; empty dissolves the group. */
     void setFollowers(const QStringList &names);
@@ -66,7 +66,7 @@ public:
     /** As one touch on the button: a radio is stopped, everything else pauses. */
     bool playPause();
     bool next();
-    /** The track before; the beginning of this one when it has been on for a while. */
+    /** The previous track; the beginning of this one when it has been on for a while. */
     bool previous();
     /** Clamped to the track; false for a radio. */
     bool seek(int seconds);

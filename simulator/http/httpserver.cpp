@@ -32,7 +32,7 @@ QByteArray head(int status, const QByteArray &contentType, int length)
         + contentType + "\r\nContent-Length: " + QByteArray::number(length) + HeadEnd;
 }
 
-/** Reads all but the body.  False when the head is not one of a request. */
+/** Reads all but the body. False when the head is not one of a request. */
 bool readHead(const QByteArray &head, HttpServer::Request *request)
 {
     QList<QByteArray> lines = head.split('\n');
@@ -108,7 +108,7 @@ void HttpServer::accept()
 {
     while (QTcpSocket *const socket = m_server.nextPendingConnection()) {
         m_connections.insert(socket, {});
-        // What is not looked at yet stays in the socket, and what exceeds this, with the client.
+        // What has not been looked at yet stays in the socket; what exceeds that, with the client.
         socket->setReadBufferSize(LongestRequest);
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] { receive(socket); });
         connect(socket, &QTcpSocket::bytesWritten, this, [this, socket] { receive(socket); });
@@ -124,7 +124,7 @@ void HttpServer::receive(QTcpSocket *socket)
     const auto connection = m_connections.find(socket);
     if (connection == m_connections.end() || connection->isAsked)
         return;
-    if (socket->bytesToWrite() > 0) // else answers would heap up for a client that does not read
+    if (socket->bytesToWrite() > 0) // else answers would pile up for a client that does not read
         return;
     const QByteArray received = socket->peek(LongestRequest);
     const int headLength = received.indexOf(HeadEnd);

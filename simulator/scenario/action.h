@@ -27,7 +27,7 @@ struct Action {
     QString words() const;
 
     /**
-     * From a JSON object with the member "action" and the arguments.  False when it is none; then
+     * From a JSON object with the member "action" and the arguments. False when it is none; then
      * @p problem says what was expected and what was found.
      */
     static bool fromJson(const QJsonObject &object, Action *action, QString *problem);

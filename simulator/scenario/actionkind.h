@@ -36,7 +36,7 @@ struct ActionArgument {
     int highest = Unlimited;            ///< of a Number
 };
 
-/** All that there is to say of one kind of action: the only place that a new one has to go to. */
+/** All that there is to say about one kind of action; a new kind needs nothing beside it. */
 struct ActionKind {
     /** False, with the reason, when the action cannot be carried out now. */
     using Handler

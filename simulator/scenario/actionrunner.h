@@ -15,8 +15,7 @@ public:
     ActionRunner(RemoteControlService *remote, StateService *state, ImageService *images,
         Disturbance *disturbance, QObject *parent = nullptr);
 
-    /** False, with the reason, when there is no such zone or it cannot do that.  @p action is one
-     * that was parsed. */
+    /** @p action is one that parsed. False, with the reason, when it cannot be carried out now. */
     bool run(const Action &action, QString *reason);
 
 signals:

@@ -5,7 +5,7 @@
 #include <QJsonDocument>
 #include <QString>
 
-/** A JSON value of any type as it would stand in a file, to be quoted in a complaint. */
+/** A JSON value of any type as it would stand in a file, for quoting in a complaint. */
 inline QString jsonText(const QJsonValue &value)
 {
     // A document cannot be a bare value: an array of one, without its brackets.

@@ -29,7 +29,7 @@ int lineAt(const QByteArray &text, int offset)
 /** An element of the outermost array, as it is written. */
 struct Element {
     int line = 0;
-    int members = 0; ///< of the element itself, those that are there twice counted twice
+    int members = 0; ///< of the element itself, one that is there twice counts twice
 };
 
 /** The elements in their order; the text is known to be JSON. */
@@ -207,7 +207,7 @@ bool Scenario::parse(const QByteArray &text, const QString &fileName, QString *p
         if (!array.at(i).isObject())
             return complain(elements.at(i).line,
                 QStringLiteral("expected a step in braces, found %1").arg(jsonText(array.at(i))));
-        // A reader of JSON keeps one of them and tells nobody.
+        // A reader of JSON keeps one of them without a word.
         if (elements.at(i).members != array.at(i).toObject().size())
             return complain(
                 elements.at(i).line, QStringLiteral("expected each member once, found one twice"));

@@ -9,8 +9,7 @@
 #include <QVector>
 
 /**
- * What happens in the simulated house, step by step, read from a file; docs/scenarios.md tells the
- * format.
+ * What happens in the simulated house, step by step, read from a file; see docs/scenarios.md.
  */
 class Scenario {
 public:
@@ -30,7 +29,7 @@ public:
 
     /** False when it cannot be read or is malformed; @p problem is then "FILE:LINE: what". */
     bool load(const QString &fileName, QString *problem);
-    /** The same from the text of a file; @p fileName is only quoted. */
+    /** The same from the text of a file; @p fileName only goes into @p problem. */
     bool parse(const QByteArray &text, const QString &fileName, QString *problem);
 
     const QVector<Step> &steps() const { return m_steps; }

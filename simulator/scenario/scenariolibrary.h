@@ -16,7 +16,7 @@ QString folder();
 /** The names of all scenarios in it, sorted, without ".json". */
 QStringList names();
 
-/** The file of a scenario; @p name may be a file itself.  Empty when there is neither. */
+/** The file of a scenario; @p name may be a file itself. Empty when there is neither. */
 QString file(const QString &name);
 
 } // namespace ScenarioLibrary

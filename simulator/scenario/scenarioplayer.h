@@ -6,7 +6,7 @@
 #include <QObject>
 #include <QTimer>
 
-/** Plays the steps of a scenario, each at its time.  No timer runs before begin() or at the end. */
+/** Plays the steps of a scenario, each at its time. No timer runs before begin() or at the end. */
 class ScenarioPlayer : public QObject {
     Q_OBJECT
 

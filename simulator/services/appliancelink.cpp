@@ -54,7 +54,7 @@ void ApplianceLink::becomeConnected()
 {
     m_wasConnected = true;
     m_isConnected = true;
-    // The commands first: nobody who sees a zone shall find it deaf.
+    // The commands first: a zone that is seen must not be deaf to them.
     m_client.subscribe(QMqttTopicFilter(Topics::command()), 1);
     m_client.subscribe(QMqttTopicFilter(Topics::display() + QLatin1Char('#')), 1);
     m_client.subscribe(QMqttTopicFilter(Topics::fault()), 1);
@@ -73,7 +73,7 @@ void ApplianceLink::becomeDisconnected()
         return;
     }
     m_retry.start();
-    if (m_isConnected) { // and not merely still without a broker
+    if (m_isConnected) { // rather than still without a broker
         m_isConnected = false;
         emit connectionLost();
     }

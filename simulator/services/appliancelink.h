@@ -10,9 +10,9 @@
 /**
  * The connection of all simulated services to the broker on this machine.
  *
- * What is published before the first connection goes out with it.  When the broker goes away, the
- * link comes back by itself as soon as there is one again, and publishes everything that is
- * retained anew, because the broker may have forgotten it.
+ * What is published before the first connection goes out with it. When the broker goes away, the
+ * link comes back by itself as soon as there is one again, and publishes everything retained once
+ * more, because the broker may have forgotten it.
  */
 class ApplianceLink : public QObject {
     Q_OBJECT
@@ -24,19 +24,19 @@ public:
     /** Says goodbye after everything that was published has left. */
     void disconnectFromBroker();
 
-    /** The topic must be a valid one.  Not retained while there is no broker: it is lost. */
+    /** The topic must be valid. While the broker is away, what is not retained is lost. */
     void publish(const QString &topic, const QByteArray &payload, bool retain);
 
 signals:
     /** Emitted for the first connection and again each time the broker has come back. */
     void connected();
-    /** Emitted once each time, however long it stays away. */
+    /** Emitted once each time the broker goes away, however long it stays away. */
     void connectionLost();
     /** The first connection could not be made; there will be no other attempt. */
     void unreachable();
     void commandReceived(const QByteArray &payload);
     void faultReceived(const QByteArray &payload);
-    /** What the display told: @p what is "zone", "idle" or "brightness", or anything new. */
+    /** What the display reported: @p what is "zone", "idle" or "brightness", or anything new. */
     void displayReported(const QString &what, const QByteArray &payload);
 
 private:

@@ -9,8 +9,8 @@
 namespace CoverArt {
 
 /**
- * A picture of its own for each key, the same on every call; any bytes are a key.  A size that is
- * no square is filled from the middle of the square picture.
+ * A picture of its own for each key, the same on every call; any bytes are a key. A size that is
+ * not square is filled from the middle of the square picture.
  */
 QImage draw(const QByteArray &key, const QSize &size);
 

@@ -22,8 +22,8 @@ public:
     Disturbance(const QString &zoneId, quint32 seed, QObject *parent = nullptr);
 
     /**
-     * Changes of the zone at a steady rate, in real time; one flood at a time.  From 1 up to
-     * MostPerSecond for up to LongestFloodS seconds, which an int can count.
+     * Changes of the zone at a steady rate, in real time; one flood at a time. From 1 to
+     * MostPerSecond a second, for up to LongestFloodS seconds, so that an int can count them.
      */
     void flood(int perSecond, int seconds);
     /** Malformed messages on all kinds of topics, MostNoise at most, all at once, not retained. */

@@ -44,7 +44,7 @@ void FakePanel::read(const QString &file)
     if (!attribute.open(QIODevice::ReadOnly))
         return;
     const QByteArray value = attribute.readAll().trimmed();
-    // Opening for writing empties the file, which is a change as well.
+    // Opening a file for writing empties it, which is a change as well.
     if (value.isEmpty() || m_values.value(file) == value)
         return;
     m_values.insert(file, value);

@@ -8,7 +8,7 @@
 
 /**
  * A display panel as the kernel shows one: a directory "simulated-panel" with the attributes
- * "brightness" and "bl_power", which the display writes.  Tells what is written.
+ * "brightness" and "bl_power", which the display writes. Reports what is written.
  */
 class FakePanel : public QObject {
     Q_OBJECT
@@ -18,7 +18,7 @@ public:
 
     /**
      * Makes the panel in a directory that stands in for /sys/class/backlight; false, with the
-     * reason, when that cannot be.
+     * reason, when that fails.
      */
     bool create(const QString &directory, QString *problem);
 
@@ -30,5 +30,5 @@ private:
     void read(const QString &file);
 
     QFileSystemWatcher m_watcher;
-    QHash<QString, QByteArray> m_values; // by file, what was told last
+    QHash<QString, QByteArray> m_values; // by file, what was reported last
 };

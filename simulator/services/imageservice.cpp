@@ -33,7 +33,7 @@ constexpr ModeName ModeNames[] = {
     { "garbage", ImageService::Mode::Garbage },
 };
 
-/** A side as the query asks for it; 0 when that is no size. */
+/** A side as the query asks for it; 0 when that is not a size. */
 int side(const QUrlQuery &query, const QString &name)
 {
     const QString text = query.queryItemValue(name);
@@ -54,7 +54,7 @@ void ImageService::setMode(Mode mode, int delayMs)
 {
     m_mode = mode;
     m_delayMs = delayMs;
-    // A display without a time-out of its own would wait for the picture for ever.
+    // A display without a time-out of its own would wait for the picture forever.
     const QVector<Waiting> hanging = std::exchange(m_hanging, {});
     for (const Waiting &waiting : hanging) {
         if (waiting.socket)
@@ -95,7 +95,7 @@ void ImageService::answerByMode(const QByteArray &target, QTcpSocket *socket)
         answerWithPicture(target, socket);
         return;
     case Mode::Slow:
-        // The socket as context: when it has gone meanwhile, so has the answer.
+        // The socket is the context: if it has gone by then, so has the answer.
         QTimer::singleShot(
             m_delayMs, socket, [this, target, socket] { answerWithPicture(target, socket); });
         emit told(QStringLiteral("image: answered in %1 ms").arg(m_delayMs));

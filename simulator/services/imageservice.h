@@ -11,9 +11,9 @@
 /**
  * Stands in for the music server's image service: GET /image/KEY?scale=S&width=W&height=H.
  *
- * Any key has a picture, drawn for it; the answer is a JPEG.  "fit" (also the default) gives the
- * largest square within W × H, "fill" and "stretch" give W × H.  Without a size, the picture is
- * 600 × 600; sizes from 1 to 4096 are served.
+ * Any key has a picture, drawn for it; the answer is a JPEG. "fit" (the default) gives the largest
+ * square within W × H, "fill" and "stretch" give W × H. Without a size, the picture is 600 × 600;
+ * sizes from 1 to 4096 are served.
  */
 class ImageService : public HttpServer {
     Q_OBJECT
@@ -34,7 +34,7 @@ public:
     QString address() const;
 
     /**
-     * How requests are answered from now on, also those that hang; the delay, in milliseconds,
+     * How requests are answered from now on, including those that hang; the delay, in milliseconds,
      * counts for Slow.
      */
     void setMode(Mode mode, int delayMs = 0);
@@ -44,7 +44,7 @@ public:
     static Mode modeOf(const QString &name);
 
 signals:
-    /** One line for people: a request that was not answered as it should. */
+    /** One line for people: a request that was not answered as it should have been. */
     void told(const QString &line);
 
 protected:

@@ -26,7 +26,7 @@ struct RemoteCommand {
     double value = 0; ///< SetVolume, ChangeVolume
     QString error;    ///< what is wrong with an Invalid one, in words
 
-    /** Takes any bytes. */
+    /** Takes any bytes; what is not a command becomes an Invalid one. */
     static RemoteCommand parse(const QByteArray &payload);
     /** For people: "set volume to 33". */
     QString text() const;

@@ -116,7 +116,7 @@ bool RemoteControlService::rename(const QString &name, const QString &newName)
         return false;
     found->rename(wanted);
     ZoneSimulation *const leader = m_status.value(found).leader;
-    if (leader) { // the group carries the follower's name too
+    if (leader) { // the group's name has the follower's in it
         QStringList names;
         for (const ZoneSimulation *const follower : m_status.value(leader).followers)
             names.append(follower->ownName());
@@ -241,7 +241,7 @@ void RemoteControlService::publishCore()
     const auto fact = [this](const char *key, const QByteArray &value) {
         emit publish(Topics::core(key), value, true);
     };
-    // The address first: whoever acts on the detection wants to fetch pictures.
+    // The address first: whoever reacts to the detection wants to fetch pictures.
     fact("serverUrl", m_serverUrl.toUtf8());
     fact("serverName", "Music server (simulated)");
     fact("id", "5f0c5e1a-simulated-core");
@@ -291,7 +291,7 @@ void RemoteControlService::updateAvailable()
         if (!before.contains(zone))
             zone->republish();
         else
-            zone->reportChanges(); // of its name, which the list must have told before
+            zone->reportChanges(); // of its name, which must have been in the list first
     }
 }
 

@@ -9,11 +9,10 @@
 #include <QRandomGenerator>
 
 /**
- * Stands in for the service that speaks to the music server: its facts, its zones, the listener's
- * commands.
+ * Stands in for the service that speaks to the music server: facts, zones, the listener's commands.
  *
- * Publishes nothing until start().  Zones are addressed by the own name, also while they belong to
- * a group; operations on a zone return false when there is none of that name.
+ * Publishes nothing until start(). Zones are addressed by their own names, even while they belong
+ * to a group; operations on a zone return false when there is none of that name.
  */
 class RemoteControlService : public QObject {
     Q_OBJECT
@@ -27,7 +26,7 @@ public:
 
     /** The zone of the appliance itself. */
     ZoneSimulation *mainZone() const { return m_zones.first(); }
-    /** By own name, also a follower or one that has gone; the main one for an empty name. */
+    /** By its own name, even a follower or one that has gone; the main one for an empty name. */
     ZoneSimulation *zone(const QString &name) const;
     /** A zone's own name for its id; the id itself when there is none. */
     QString nameOf(const QString &id) const;
@@ -35,7 +34,7 @@ public:
     /** False for a zone that is switched off or follows another one. */
     bool canPlay(ZoneSimulation *zone) const;
 
-    /** The server is on the network.  Without it, there are no zones and time stands still. */
+    /** The server is on the network. Without it, there are no zones and time stands still. */
     void setCoreDetected(bool detected);
     /** This service has its connection to the server. */
     void setConnected(bool connected);
@@ -49,8 +48,8 @@ public:
     bool ungroup(const QString &name);
 
     /**
-     * Carries out a command.  False, with the reason, when there is nothing it could be done to, or
-     * the zone cannot do it now; then nothing has changed.
+     * Carries out a command. False, with the reason and with nothing changed, when there is no such
+     * zone, or it cannot do that now.
      */
     bool obey(const RemoteCommand &command, QString *reason);
 

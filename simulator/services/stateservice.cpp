@@ -16,7 +16,7 @@ struct Setting {
     const char *value;
 };
 
-/** What the web page of the appliance would have been left at. */
+/** The settings as somebody has left them on the appliance's web page. */
 constexpr Setting Settings[] = {
     { "touchscreen_blankscreen", "false" },
     { "touchscreen_scrolling", "true" },
@@ -53,7 +53,7 @@ void StateService::start()
 
 void StateService::republish()
 {
-    // Also the empty texts: the broker may still hold those of an earlier run.
+    // Even the empty texts: the broker may still hold those of an earlier run.
     for (auto it = m_state.cbegin(); it != m_state.cend(); ++it)
         emit publish(Topics::state(it.key().constData()), it.value(), true);
     for (const Setting &setting : Settings)

@@ -8,7 +8,7 @@
 /**
  * Stands in for the services that publish the appliance's own state and its display settings.
  *
- * An update goes through its stages by a timer of its own, which runs only meanwhile.
+ * An update goes through its stages by a timer of its own, which runs only during the update.
  */
 class StateService : public QObject {
     Q_OBJECT
@@ -21,9 +21,9 @@ public:
     void start();
     void republish();
 
-    /** Offers an update, @p info being its version, or takes it back when that is empty. */
+    /** Offers an update, with its version as @p info; an empty one takes the offer back. */
     void offerUpdate(const QString &info);
-    /** Begins to install; false, with the reason, when there is none or it runs already. */
+    /** Begins to install; false, with the reason, when there is none or it may not be now. */
     bool installUpdate(QString *reason);
     bool isInstalling() const { return m_stage != Stage::None; }
 

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-/** The topics under which the appliance's services and its display speak to each other. */
+/** The topics on which the appliance's services and its display speak to each other. */
 namespace Topics {
 
 inline QString core(const char *key)
@@ -47,7 +47,7 @@ inline QString command()
     return QStringLiteral("Velunor/Controller/remote_control/v4/Control/command");
 }
 
-/** What the display tells about itself: "zone", "idle" and "brightness" come below it. */
+/** What the display reports about itself: "zone", "idle" and "brightness" come below it. */
 inline QString display()
 {
     return QStringLiteral("Velunor/touch_ui/v3/Display/");

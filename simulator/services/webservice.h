@@ -10,7 +10,7 @@ class WebService : public HttpServer {
     Q_OBJECT
 
 public:
-    /** Begins an update; false, with the reason, when that cannot be. */
+    /** Begins an update; false, with the reason, when that is not possible. */
     using Installer = std::function<bool(QString *reason)>;
 
     explicit WebService(const Installer &install, QObject *parent = nullptr);
