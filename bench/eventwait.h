@@ -4,13 +4,13 @@
 #include <QCoreApplication>
 #include <QTimer>
 
-/** How long a measurement waits for what must happen before it is given up. */
+/** How long a measurement waits for what must happen before it gives up. */
 constexpr int PatienceForEventMs = 60000;
 
 /**
  * Sleeps in the event loop until the condition holds; false when it does not hold within the time.
- * Unlike the tests' waiting, it is not a poll: the condition is looked at after every event and
- * never later, so that what is timed is not rounded to the waiter's own step.
+ * Unlike the tests' waiting, this is not a poll: the condition is looked at after every event and
+ * never later, so that what is timed is not rounded to a step of the waiter's own.
  */
 template <typename Condition>
 bool waitForEvent(const Condition &condition, int milliseconds = PatienceForEventMs)

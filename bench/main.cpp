@@ -47,7 +47,7 @@ int main(int argc, char *argv[])
     };
     const QString throughput = QStringLiteral("throughput");
     const QStringList named = QCoreApplication::arguments().mid(1);
-    // The whole takes minutes, so it says what is going on.
+    // All of it takes minutes, so it says what is going on.
     const auto wanted = [&](const QString &name) {
         if (!named.isEmpty() && !named.contains(name))
             return false;

@@ -25,7 +25,7 @@ QByteArray contents(const QString &path)
     return file.readAll();
 }
 
-/** The number behind @p label, which begins a line of @p text. */
+/** The number after @p label, which begins a line of @p text. */
 qint64 labelled(const QByteArray &text, const QByteArray &label)
 {
     const int start = text.indexOf('\n' + label);
@@ -44,7 +44,7 @@ qint64 ProcessFigures::pssKiB(qint64 process)
 
 qint64 ProcessFigures::processorMs(qint64 process)
 {
-    // Behind the name, which may hold anything but ends with the last parenthesis; user and system
+    // After the name, which may hold anything but ends with the last parenthesis; user and system
     // time are the 12th and 13th of what follows, in clock ticks.
     const QByteArray text = contents(directoryOf(process) + QStringLiteral("/stat"));
     const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');

@@ -3,21 +3,19 @@
 
 #include <QtGlobal>
 
-/** What the kernel says of a running process.  Each ends the benchmark when it cannot be read. */
+/** What the kernel says of a running process. Each ends the benchmark when it cannot be read. */
 namespace ProcessFigures {
 
-/** Proportional set size in KiB: resident memory, what is shared counted in parts. */
+/** Proportional set size in KiB: resident memory, with a share of what other processes use too. */
 qint64 pssKiB(qint64 process);
 
-/** Processor time of all threads, those that ended included, in milliseconds. */
+/** Processor time of all threads in milliseconds, including those that have ended. */
 qint64 processorMs(qint64 process);
 
-/** How often the threads that are alive have gone to sleep by themselves. */
+/** How often the threads that are alive have gone to sleep of their own accord. */
 qint64 voluntarySwitches(qint64 process);
 
-/**
- * Waits until the process has used no processor time for a second; false when it never rests.
- */
+/** Waits until the process has used no processor time for a second; false when it never rests. */
 bool waitUntilAtRest(qint64 process);
 
 } // namespace ProcessFigures

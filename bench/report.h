@@ -4,7 +4,7 @@
 #include <QList>
 #include <QString>
 
-/** The table of results.  A goal that is missed is shown, and is no failure. */
+/** The table of results. A goal that is missed is shown, and is not a failure. */
 class Report {
 public:
     enum Goal { AtLeast, AtMost };

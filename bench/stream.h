@@ -6,10 +6,10 @@
 
 /**
  * What a playing zone publishes, many hours of it at once: the position in the track, a volume that
- * is turned, titles.  Every message changes a property that the player notifies.
+ * is turned, titles. Every message changes a property that the player notifies.
  *
  * The packets are put together beforehand and written to the broker as they are, so that the cost
- * of publishing is not a part of what is measured.
+ * of publishing is not part of what is measured.
  */
 class Stream {
 public:
@@ -19,7 +19,7 @@ public:
 
     /** Connects to the broker; false, with a message, when it does not accept the connection. */
     bool connectToBroker();
-    /** Sends a remote-control command.  Returns at once, like the next one. */
+    /** Sends a remote-control command. Returns at once, like the next function. */
     void sendCommand(const QByteArray &name);
     /** Sends all messages. */
     void sendAll();
