@@ -1,12 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# touchui_revision: an interface target that offers "revision.h" with the commit being built.  The header is
-# looked at on every build and rewritten only when the commit has changed.  Run with -P it writes the header.
-# An archive made by git knows its commit by revision.txt; any other tree without git gets zeros.
+# touchui_revision: an interface target that offers "revision.h" with the commit being built. The header is looked at on
+# every build and rewritten only when the commit has changed. Run with -P it writes the header. An archive made by git
+# knows its commit by revision.txt; any other tree without git gets zeros.
 if(CMAKE_SCRIPT_MODE_FILE)
     cmake_minimum_required(VERSION 3.18)
     set(revision "")
-    # In a container the checkout often belongs to another user, and git would refuse to look at it.  Nothing of
-    # the checkout is run here.
+    # In a container the checkout often belongs to another user, and git would refuse to look at it. Nothing of the
+    # checkout is run here.
     set(git git -c safe.directory=* -C "${SOURCE_DIR}")
     execute_process(COMMAND ${git} rev-parse HEAD
         OUTPUT_VARIABLE revision OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
