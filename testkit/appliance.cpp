@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/appliance.h"
 
+#include "testkit/services/opening.h"
 #include "testkit/waiting.h"
 
 namespace {
@@ -18,15 +19,8 @@ Appliance::Appliance(QObject *parent)
 
 bool Appliance::startServices()
 {
-    if (!broker.start() || !services.connectToBroker())
-        return false;
-    publishCore("serverUrl", images.address());
-    publishCore("coreDetected", "true");
-    publishZones(R"([{"id":"z1","name":"Kitchen"}])");
-    publishZone("name", "Kitchen");
-    publishZone("state", "paused");
-    publishZone("is_play_allowed", "true");
-    return services.flush();
+    return broker.start() && services.connectToBroker()
+        && Opening::publish(services, "paused", images.address());
 }
 
 bool Appliance::start()

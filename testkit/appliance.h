@@ -26,7 +26,7 @@ public:
     ImageServer images;
     Program program;
 
-    /** Starts broker and services and publishes a core and the zone "Kitchen", paused. */
+    /** Starts broker and services and publishes what scenarios/openings/paused.json says. */
     bool startServices();
     /**
      * startServices(), then the program; waits until the player page is shown.  The welcome page is

@@ -48,17 +48,12 @@ bool Studio::start()
 
 bool Studio::startSimulator()
 {
-    const bool started = m_simulator.start(QStringLiteral(TOUCHUI_SIMULATOR),
-        { QStringLiteral("--speed"), QStringLiteral("0"), QStringLiteral("--image-port"),
-            QStringLiteral("9330") },
-        QProcessEnvironment::systemEnvironment());
-    if (!started) {
-        qWarning("cannot start the simulator: %s", qUtf8Printable(m_simulator.errorText()));
-        return false;
-    }
-    // Retained from then on, so the program may come when it likes.
-    return m_services.waitFor(
-        QStringLiteral("Velunor/Controller/remote_control/v4/roon/Roon/coreDetected"), "true");
+    // Retained once it has come, so the program may start when it likes.
+    return m_simulator.startAndWait(
+               { QStringLiteral("--scenario"), QStringLiteral("playing"), QStringLiteral("--speed"),
+                   QStringLiteral("0"), QStringLiteral("--image-port"), QStringLiteral("9330") })
+        && m_services.waitFor(
+            QStringLiteral("Velunor/Controller/remote_control/v4/roon/Roon/coreDetected"), "true");
 }
 
 bool Studio::act(const QByteArray &action)

@@ -5,8 +5,8 @@
 #include "testkit/services/brokerclient.h"
 #include "testkit/machine/display.h"
 #include "testkit/machine/panelkind.h"
-#include "testkit/process/process.h"
 #include "testkit/process/program.h"
+#include "testkit/process/simulatorprogram.h"
 
 #include <QImage>
 
@@ -60,7 +60,7 @@ private:
     const PanelKind m_kind;
     Display m_display;
     Broker m_broker;
-    Process m_simulator;
+    SimulatorProgram m_simulator;
     BrokerClient m_services;
     Program m_program;
 };
