@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/likeness.h"
 
+#include "testkit/meandifference.h"
+
 #include <QPainter>
 
 namespace {
@@ -27,20 +29,6 @@ QImage expected(const QString &file, const QRectF &area, const QPoint &origin, c
     return drawn;
 }
 
-double difference(const QImage &one, const QImage &other)
-{
-    double sum = 0;
-    for (int y = 0; y < one.height(); ++y) {
-        for (int x = 0; x < one.width(); ++x) {
-            const QRgb a = one.pixel(x, y);
-            const QRgb b = other.pixel(x, y);
-            sum += qAbs(qRed(a) - qRed(b)) + qAbs(qGreen(a) - qGreen(b))
-                + qAbs(qBlue(a) - qBlue(b));
-        }
-    }
-    return sum / (3.0 * one.width() * one.height());
-}
-
 /** The whole pixels of the area; a null picture when they do not all lie on the page. */
 QImage seen(const QImage &page, const QRectF &area)
 {
@@ -58,7 +46,7 @@ QString drawnFile(const QImage &page, const QRectF &area, const QStringList &fil
     QString nearest;
     double least = Near;
     for (const QString &file : files) {
-        const double apart = difference(
+        const double apart = meanDifference(
             found, expected(file, area, area.toAlignedRect().topLeft(), found.size(), opacity));
         if (apart < least) {
             least = apart;

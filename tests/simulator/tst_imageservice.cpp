@@ -3,6 +3,7 @@
 
 #include "simulator/services/coverart.h"
 #include "simulator/house/library.h"
+#include "testkit/meandifference.h"
 
 #include <QImage>
 #include <QNetworkAccessManager>
@@ -11,26 +12,6 @@
 #include <QTest>
 
 #include <memory>
-
-namespace {
-
-/** How far apart two pictures of one size are, as people see them: the mean of all channels, 0 to
- * 255. */
-double difference(const QImage &one, const QImage &other)
-{
-    double sum = 0;
-    for (int y = 0; y < one.height(); ++y) {
-        for (int x = 0; x < one.width(); ++x) {
-            const QRgb a = one.pixel(x, y);
-            const QRgb b = other.pixel(x, y);
-            sum += qAbs(qRed(a) - qRed(b)) + qAbs(qGreen(a) - qGreen(b))
-                + qAbs(qBlue(a) - qBlue(b));
-        }
-    }
-    return sum / (3.0 * one.width() * one.height());
-}
-
-} // namespace
 
 class ImageServiceTest : public QObject {
     Q_OBJECT
@@ -91,7 +72,7 @@ void ImageServiceTest::everyAlbumHasItsOwnCover()
     for (const Album &album : Library::albums()) {
         const QImage picture = CoverArt::draw(album.imageKey(), QSize(100, 100));
         for (const QImage &other : qAsConst(pictures))
-            QVERIFY2(difference(picture, other) > 15, qPrintable(album.name));
+            QVERIFY2(meanDifference(picture, other) > 15, qPrintable(album.name));
         pictures.append(picture);
         QSet<QRgb> colours;
         for (int y = 0; y < picture.height(); ++y) {
