@@ -388,7 +388,7 @@ Item {
             compare(selected.count, 1);
         }
 
-        // Nothing tells the list to take such a finger: it moves no more before it lifts.
+        // Nothing tells the list to take such a finger: it does not move before it lifts.
         function test_aFingerThatJumpsSelectsNothing_data() {
             return [ { tag: "sideways", dx: 100, dy: 0 }, { tag: "down within the row", dx: 0, dy: 15 },
                      { tag: "up within the row", dx: 0, dy: -15 } ];
