@@ -18,6 +18,8 @@ QString keyOf(const HttpServer::Request &request)
 
 QByteArray picture(const ImageServer::Behaviour &behaviour)
 {
+    if (!behaviour.file.isEmpty())
+        return behaviour.file;
     QImage image(behaviour.size, QImage::Format_RGB32);
     image.fill(behaviour.colour);
     QBuffer buffer;

@@ -31,6 +31,7 @@ public:
         int delayMs = 0;             ///< before the answer, or before the connection is dropped
         int failures = 0;          ///< so many requests get status 500 before the behaviour begins
         QSize size = { 402, 402 }; ///< pixels; by default what the service is asked for
+        QByteArray file = {};      ///< a picture that is sent as it is; its colour does not count
     };
 
     /** Listens at once.  Ends the test program when that is impossible. */

@@ -4,7 +4,10 @@
 #include "logcapture.h"
 #include "roon.h"
 
+#include <QBuffer>
 #include <QEventLoop>
+#include <QFile>
+#include <QImageReader>
 #include <QNetworkReply>
 #include <QTcpServer>
 #include <QTest>
@@ -60,6 +63,41 @@ ImageServer::Behaviour kind(ImageServer::Behaviour::Kind what)
 QColor colourOf(const QImage &image)
 {
     return image.isNull() ? QColor() : image.pixelColor(image.width() / 2, image.height() / 2);
+}
+
+/** The beginning of a grey PNG of 30,000 pixels a side; where its rows belong is nothing. */
+QByteArray hugePng()
+{
+    return QByteArray::fromHex("89504e470d0a1a0a0000000d49484452000075300000753008000000"
+                               "00434ca766000000004944415435af061e");
+}
+
+/** A grey JPEG whose header claims 30,000 pixels a side. */
+QByteArray hugeJpeg()
+{
+    QImage image(8, 8, QImage::Format_Grayscale8);
+    image.fill(Qt::gray);
+    QBuffer buffer;
+    image.save(&buffer, "JPEG");
+    QByteArray file = buffer.data();
+    // The frame's header: marker, length, precision, height, width.
+    const int frame = file.indexOf("\xff\xc0");
+    file.replace(frame + 5, 4, QByteArray::fromHex("75307530"));
+    return file;
+}
+
+/** The most address space that this process has had so far; 0 where that cannot be known. */
+qint64 peakBytes()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    const QList<QByteArray> lines = status.readAll().split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith("VmPeak:"))
+            return line.mid(7).trimmed().split(' ').first().toLongLong() * 1024;
+    }
+    return 0;
 }
 
 /** Requests one picture several times in a thread of its own. */
@@ -142,6 +180,8 @@ private slots:
     void bodyThatIsNoPictureIsKeptLikeAnyOther();
     void pictureBeyondTheLimitIsNoPicture_data();
     void pictureBeyondTheLimitIsNoPicture();
+    void pictureThatClaimsToBeHugeIsNotDecoded_data();
+    void pictureThatClaimsToBeHugeIsNotDecoded();
     void bodyWithoutAnEndIsNoPicture();
     void addressThatIsNoUrlGivesTheLogo_data();
     void addressThatIsNoUrlGivesTheLogo();
@@ -491,6 +531,35 @@ void TestImageProvider::pictureBeyondTheLimitIsNoPicture()
     QCOMPARE(m_server->requests().size(), 1);
     const QString called = calledLine(*m_server, QStringLiteral("key"));
     QCOMPARE(log.take(), QStringList({ called, FetchedLine, called, CachedLine }));
+}
+
+void TestImageProvider::pictureThatClaimsToBeHugeIsNotDecoded_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::newRow("PNG") << hugePng();
+    QTest::newRow("JPEG") << hugeJpeg();
+}
+
+void TestImageProvider::pictureThatClaimsToBeHugeIsNotDecoded()
+{
+    QFETCH(QByteArray, file);
+    // Else it would be refused for another reason.
+    QBuffer buffer(&file);
+    QCOMPARE(QImageReader(&buffer).size(), QSize(30000, 30000));
+    ImageServer::Behaviour behaviour;
+    behaviour.file = file;
+    m_server->setBehaviour(QStringLiteral("key"), behaviour);
+    QSize size = Untouched;
+    LogCapture log;
+    const qint64 before = peakBytes();
+    QVERIFY(before > 0);
+    QVERIFY(m_provider->requestImage(QStringLiteral("key"), &size, QSize()).isNull());
+    QCOMPARE(size, QSize(0, 0));
+    // A decoder asks for the room of 900,000,000 pixels, or complains of what is missing.
+    QVERIFY2(peakBytes() - before < 500 * 1000 * 1000,
+        qPrintable(QString::number(peakBytes() - before)));
+    QCOMPARE(
+        log.take(), QStringList({ calledLine(*m_server, QStringLiteral("key")), FetchedLine }));
 }
 
 void TestImageProvider::bodyWithoutAnEndIsNoPicture()
