@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/appliance.h"
+#include "testkit/likeness.h"
 #include "testkit/machine/display.h"
 #include "testkit/pagenames.h"
 #include "testkit/waiting.h"
@@ -69,7 +70,10 @@ void PagesTest::pagesShowWithoutComplaint()
     QVERIFY(appliance.program.startAndWait());
     Probe &probe = appliance.program.probe();
     const auto isDrawn = [&](const QString &page) {
-        return appliance.waitForPage(page) && !probe.picture().isNull();
+        return appliance.waitForPage(page) && waitUntil([&] {
+            const QImage picture = probe.picture();
+            return !picture.isNull() && isBlank(picture, picture.rect()) == (page == ScreenSaver);
+        });
     };
     const auto opensAndCloses = [&](const char *opener, const char *content) {
         return probe.tap(opener) && waitUntil([&] { return probe.shows(content); })
