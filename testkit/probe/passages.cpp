@@ -68,11 +68,13 @@ private:
 
 Passages::Passages(const QList<QQuickItem *> &items)
 {
+    AnimationClock clock;
+    // The first step is a longer one: it makes up for the time since the last frame.
+    clock.pass(1);
     QVector<Track> tracks;
     for (const QQuickItem *item : items)
         tracks.append(Track(item));
 
-    AnimationClock clock;
     int now = 0;
     const auto lookUntil = [&](int end, const auto &enough) {
         while (now < end && !enough()) {

@@ -45,6 +45,7 @@ private slots:
     void noticesAreNotCut_data();
     void noticesAreNotCut();
     void textsFromOutsideShowAsTheyCome();
+    void aPassageIsSeenTheSameAtAnyMoment();
 
 private:
     Probe &probe() { return m_appliance->program.probe(); }
@@ -279,6 +280,30 @@ QRectF TextsTest::painted(const QString &box)
     const QSizeF size(probe().property(inner(box), "paintedWidth").toDouble(),
         probe().property(inner(box), "paintedHeight").toDouble());
     return { middle - QPointF(size.width() / 2, size.height() / 2), size };
+}
+
+void TextsTest::aPassageIsSeenTheSameAtAnyMoment()
+{
+    m_appliance = std::make_unique<Appliance>();
+    QVERIFY(m_appliance->start());
+    m_appliance->publishZone("nowPlaying/album", QByteArray(40, 'm'));
+    QVERIFY(m_appliance->handled());
+    const Probe::Target label = Probe::Target("label").inside("album");
+    const auto passage = [&] {
+        const QJsonArray items = probe().scene(label);
+        return items.isEmpty() ? QJsonObject()
+                               : items.first().toObject().value("passage").toObject();
+    };
+    const QJsonObject first = passage();
+    QCOMPARE(first.value("duration"), QJsonValue(8000));
+    const double from = first.value("from").toDouble();
+    const double to = first.value("to").toDouble();
+    // Also where it ends between the last frame and the first look.
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const double left = (probe().property(label, "x").toDouble() - to) / (from - to);
+        QVERIFY(probe().pass(std::chrono::milliseconds(int(left * 8000) - attempt % 8)));
+        QCOMPARE(passage(), first);
+    }
 }
 
 QTEST_GUILESS_MAIN(TextsTest)
