@@ -6,7 +6,6 @@
 #include <QDebug>
 #include <QEventLoop>
 #include <QImageReader>
-#include <QMutexLocker>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -93,7 +92,7 @@ QImage ImageProvider::requestImage(const QString &id, QSize *size, const QSize &
     qDebug().noquote().nospace() << "ImageProvider::requestImage() called with url: "
                                  << url.toString();
     {
-        QMutexLocker locker(&m_lock);
+        const std::lock_guard<std::mutex> guard(m_lock);
         if (url == m_lastUrl) {
             qDebug() << "ImageProvider::requestImage() return CACHED image!";
             return *m_cachedImage;
@@ -126,7 +125,7 @@ QImage ImageProvider::fetchedImage(const QUrl &url, QSize *size)
     if (size)
         *size = image.size();
     {
-        QMutexLocker locker(&m_lock);
+        const std::lock_guard<std::mutex> guard(m_lock);
         m_lastUrl = url;
         m_cachedImage = std::make_unique<QImage>(image);
     }
@@ -151,12 +150,12 @@ QNetworkReply *ImageProvider::get(QNetworkAccessManager &manager, const QUrl &ur
             wait.loop.quit();
     });
     {
-        QMutexLocker locker(&m_lock);
+        const std::lock_guard<std::mutex> guard(m_lock);
         m_waits.append(&wait);
     }
     wait.loop.exec();
     {
-        QMutexLocker locker(&m_lock);
+        const std::lock_guard<std::mutex> guard(m_lock);
         m_waits.removeOne(&wait);
     }
     if ((reply->isFinished() || isTooLong) && !wait.abandoned)
@@ -168,13 +167,13 @@ QNetworkReply *ImageProvider::get(QNetworkAccessManager &manager, const QUrl &ur
 bool ImageProvider::prefetch(const QString &id)
 {
     requestImage(id, nullptr, QSize());
-    QMutexLocker locker(&m_lock);
+    const std::lock_guard<std::mutex> guard(m_lock);
     return m_lastUrl == imageUrl(id);
 }
 
 void ImageProvider::abandonFetches()
 {
-    QMutexLocker locker(&m_lock);
+    const std::lock_guard<std::mutex> guard(m_lock);
     for (Wait *const wait : qAsConst(m_waits)) {
         wait->abandoned = true;
         wait->loop.quit();

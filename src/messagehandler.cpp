@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "messagehandler.h"
 
-#include <QMutex>
-#include <QMutexLocker>
-
 #include <atomic>
 #include <cstdio>
 #include <cstring>
+#include <mutex>
 #include <optional>
 
 namespace {
@@ -17,7 +15,7 @@ std::atomic<bool> printDebug { false };
 
 /** What the handler remembers between messages. Never destroyed, as messages come until the end. */
 struct Repeats {
-    QBasicMutex mutex;
+    std::mutex mutex; // not Qt's, whose slow path no thread sanitizer sees
     // The last line, in parts: most lines are hidden and never put together.
     QByteArray file;
     std::optional<int> number; // none before the first message; scene errors may have -1
@@ -73,7 +71,7 @@ void messageHandler(QtMsgType type, const QMessageLogContext &context, const QSt
     const char *const file = fileName(context.file);
 
     Repeats &state = repeats();
-    QMutexLocker locker(&state.mutex);
+    const std::lock_guard<std::mutex> guard(state.mutex);
 
     // The bookkeeping comes before the filter: a hidden debug line breaks a run of equal lines.
     if (context.line != state.number || message != state.message || state.file != file) {

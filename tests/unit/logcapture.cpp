@@ -57,13 +57,13 @@ LogCapture::~LogCapture()
 
 QList<LogMessage> LogCapture::lines() const
 {
-    QMutexLocker locker(&m_mutex);
+    const std::lock_guard<std::mutex> guard(m_mutex);
     return m_lines;
 }
 
 QStringList LogCapture::take(const QString &file)
 {
-    QMutexLocker locker(&m_mutex);
+    const std::lock_guard<std::mutex> guard(m_mutex);
     QStringList taken;
     QList<LogMessage> left;
     for (const LogMessage &line : qAsConst(m_lines)) {
@@ -83,7 +83,7 @@ bool LogCapture::contains(const QString &labelled) const
 
 int LogCapture::count(const QString &labelled) const
 {
-    QMutexLocker locker(&m_mutex);
+    const std::lock_guard<std::mutex> guard(m_mutex);
     int found = 0;
     for (const LogMessage &line : m_lines) {
         if (line.labelled() == labelled)
@@ -94,7 +94,7 @@ int LogCapture::count(const QString &labelled) const
 
 void LogCapture::clear()
 {
-    QMutexLocker locker(&m_mutex);
+    const std::lock_guard<std::mutex> guard(m_mutex);
     m_lines.clear();
 }
 
@@ -106,7 +106,7 @@ void LogCapture::handle(QtMsgType type, const QMessageLogContext &context, const
     if (type == QtFatalMsg && capture->m_former)
         capture->m_former(type, context, text);
     const QString file = QString::fromLocal8Bit(context.file).section(QLatin1Char('/'), -1);
-    QMutexLocker locker(&capture->m_mutex);
+    const std::lock_guard<std::mutex> guard(capture->m_mutex);
     capture->m_lines.append(
         { type, file, context.line, QString::fromLatin1(context.category), text });
 }

@@ -2,10 +2,11 @@
 #pragma once
 
 #include <QList>
-#include <QMutex>
 #include <QString>
 #include <QStringList>
 #include <QtGlobal>
+
+#include <mutex>
 
 /** One message as the Qt message functions delivered it. */
 struct LogMessage {
@@ -50,7 +51,7 @@ private:
     Q_DISABLE_COPY(LogCapture)
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &text);
 
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     QList<LogMessage> m_lines;
     LogCapture *const m_outer;
     QtMessageHandler m_former;
