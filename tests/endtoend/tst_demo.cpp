@@ -3,11 +3,12 @@
 #include "testkit/machine/panel.h"
 #include "testkit/process/program.h"
 #include "testkit/process/terminal.h"
-#include "testkit/waiting.h"
 #include "testkit/machine/windows.h"
+#include "testkit/waiting.h"
 
 #include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTcpServer>
@@ -110,6 +111,8 @@ private slots:
 
 private:
     bool start(Terminal &terminal, const QStringList &arguments = {});
+    bool showsPlayPause();
+    /** Touches the icon once it is on view. */
     bool touchPlayPause();
     /** What was not there before the first demo. */
     QString leftBehind() const;
@@ -147,9 +150,27 @@ bool DemoTest::start(Terminal &terminal, const QStringList &arguments)
         m_directory, m_environment);
 }
 
+/** Whether the icon is on view: the page may still be under construction when its cover has come.
+ */
+bool DemoTest::showsPlayPause()
+{
+    QProcess grab;
+    grab.start("import", { "-silent", "-window", "root", "-crop", "60x60+575+315", "png:-" });
+    if (!grab.waitForFinished())
+        return false;
+    const QImage seen = QImage::fromData(grab.readAllStandardOutput());
+    int bright = 0;
+    for (int y = 0; y < seen.height(); ++y) {
+        for (int x = 0; x < seen.width(); ++x)
+            bright += qGray(seen.pixel(x, y)) > 200 ? 1 : 0;
+    }
+    return bright > 100 && bright < 1800; // an icon, not a white page
+}
+
 bool DemoTest::touchPlayPause()
 {
-    return QProcess::execute("xdotool", { "mousemove", "605", "345", "click", "1" }) == 0;
+    return waitUntil([this] { return showsPlayPause(); })
+        && QProcess::execute("xdotool", { "mousemove", "605", "345", "click", "1" }) == 0;
 }
 
 QString DemoTest::leftBehind() const
