@@ -53,6 +53,13 @@ void Appliance::publishZone(const QString &key, const QByteArray &value)
     services.publish(RemoteControl + "roon/Zones/z1/" + key, value, true);
 }
 
+void Appliance::publishVolume()
+{
+    publishZone("volume/hard_limit_min", "0");
+    publishZone("volume/soft_limit", "80");
+    publishZone("volume/available", "true");
+}
+
 void Appliance::publishZones(const QByteArray &json)
 {
     services.publish(RemoteControl + "roon/Zones/available", json, true);

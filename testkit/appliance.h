@@ -40,6 +40,8 @@ public:
     void publishCore(const QString &property, const QByteArray &value);
     /** A value of the zone below its id, for example "nowPlaying/song". */
     void publishZone(const QString &key, const QByteArray &value);
+    /** Gives the zone a volume with a range; the player page shows its volume then. */
+    void publishVolume();
     /** The list of available zones, as JSON. */
     void publishZones(const QByteArray &json);
     /** A key of the display settings, for example "touchscreen_scrolling". */

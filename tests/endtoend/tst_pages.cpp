@@ -59,9 +59,7 @@ void PagesTest::pagesShowWithoutComplaint()
     QVERIFY(appliance.startServices());
     appliance.publishZone("nowPlaying/imageKey", "cover");
     appliance.publishZone("nowPlaying/song", QByteArray(200, 'x'));
-    appliance.publishZone("volume/hard_limit_min", "0");
-    appliance.publishZone("volume/soft_limit", "80");
-    appliance.publishZone("volume/available", "true");
+    appliance.publishVolume();
     appliance.publishState("UpdateAvailable", "true");
     // A picture that the service sends as it is, and a colour that nothing else on the page has.
     appliance.images.setBehaviour(
@@ -127,9 +125,7 @@ void PagesTest::popupsGoWithTheirPage()
     QFETCH(QString, content);
     Appliance appliance;
     QVERIFY(appliance.start());
-    appliance.publishZone("volume/hard_limit_min", "0");
-    appliance.publishZone("volume/soft_limit", "80");
-    appliance.publishZone("volume/available", "true");
+    appliance.publishVolume();
     QVERIFY(appliance.handled());
     Probe &probe = appliance.program.probe();
     for (int round = 0; round < 5; ++round) {
@@ -223,9 +219,7 @@ void PagesTest::pageSwitchAndEndFindAnything()
         "hanging", { ImageServer::Behaviour::Hang, Qt::red, "JPEG", 0, 0 });
     appliance.images.setBehaviour("other", {});
     QVERIFY(appliance.start());
-    appliance.publishZone("volume/hard_limit_min", "0");
-    appliance.publishZone("volume/soft_limit", "80");
-    appliance.publishZone("volume/available", "true");
+    appliance.publishVolume();
     QVERIFY(appliance.handled());
     Probe &probe = appliance.program.probe();
 
