@@ -4,7 +4,7 @@
 #include <mosquitto.h>
 
 namespace {
-constexpr QLatin1String SharePrefix("$share/");
+const QLatin1String SharePrefix("$share/");
 
 /** The part that topics are compared with: without "$share/group/" in a shared subscription. */
 QString topicPart(const QString &filter)
