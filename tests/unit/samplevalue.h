@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QMetaProperty>
+#include <QString>
 #include <QVariant>
 
-/** A value of the property's type that differs from what the property holds at the start: true for
- * false, false for true, a number one and a half above, an accented text. */
-inline QVariant sampleValue(const QObject &object, const QMetaProperty &property)
+/** A value of the same type that differs from @p current: true for false, false for true, a number
+ * one and a half above, an accented text. */
+inline QVariant sampleValue(const QVariant &current)
 {
-    const QVariant current = property.read(&object);
-    switch (static_cast<QMetaType::Type>(property.userType())) {
+    switch (static_cast<QMetaType::Type>(current.userType())) {
     case QMetaType::Bool:
         return !current.toBool();
     case QMetaType::Float:

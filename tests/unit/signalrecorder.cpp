@@ -3,7 +3,10 @@
 
 #include <QVariant>
 
-SignalRecorder::SignalRecorder(QObject *sender)
+#include <utility>
+
+SignalRecorder::SignalRecorder(QObject *sender, std::function<void()> heard)
+    : m_heard(std::move(heard))
 {
     const QMetaObject *const meta = sender->metaObject();
     const int firstOwn = QObject::staticMetaObject.methodCount();
@@ -34,5 +37,7 @@ int SignalRecorder::qt_metacall(QMetaObject::Call call, int id, void **arguments
     for (int i = 0; i < method.parameterCount(); ++i)
         entry += QLatin1Char(' ') + QVariant(method.parameterType(i), arguments[i + 1]).toString();
     m_entries.append(entry);
+    if (m_heard)
+        m_heard();
     return -1;
 }

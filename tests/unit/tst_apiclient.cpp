@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "apiclient.h"
+#include "modelclasstest.h"
 #include "testkit/services/apiserver.h"
-#include "logcapture.h"
-#include "metatable.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -21,15 +20,20 @@ const QString Wrong = QStringLiteral("critical: ApiClient::onFinish() something 
 
 } // namespace
 
-class TestApiClient : public QObject {
+class TestApiClient : public ModelClassTest {
     Q_OBJECT
+
+    std::unique_ptr<QObject> make() const override { return std::make_unique<ApiClient>(); }
+    QStringList methodEntries() const override
+    {
+        return { "private slot onFinish(QNetworkReply*)" };
+    }
 
 private slots:
     void init();
     void cleanup();
 
-    void metaObjectIsTheInterface();
-    void constructorLogsItsLine();
+    void instanceIsOneObject() { checkInstance<ApiClient>(); }
     void managerLivesWithTheClient();
     void postsAnEmptyBody();
     void withoutServiceTheErrorIsNamed();
@@ -40,16 +44,14 @@ private slots:
     void callAfterAFailureSendsAgain();
     void doesNotWaitForTheReply();
     void repliesAreReleased();
-    void instanceIsOneObject();
 
 private:
-    std::unique_ptr<LogCapture> m_log;
     std::unique_ptr<ApiClient> m_client;
 };
 
 void TestApiClient::init()
 {
-    m_log.reset(new LogCapture);
+    ModelClassTest::init();
     m_client.reset(new ApiClient);
     m_log->clear();
 }
@@ -57,22 +59,7 @@ void TestApiClient::init()
 void TestApiClient::cleanup()
 {
     m_client.reset();
-    m_log.reset();
-}
-
-void TestApiClient::metaObjectIsTheInterface()
-{
-    const QMetaObject &meta = ApiClient::staticMetaObject;
-    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
-    QCOMPARE(propertyTable(meta), QStringList());
-    QCOMPARE(methodTable(meta), QStringList({ "private slot onFinish(QNetworkReply*)" }));
-}
-
-void TestApiClient::constructorLogsItsLine()
-{
-    const ApiClient client;
-    QVERIFY(!client.parent());
-    QCOMPARE(m_log->take(), QStringList({ constructorLine(QStringLiteral("ApiClient")) }));
+    ModelClassTest::cleanup();
 }
 
 void TestApiClient::managerLivesWithTheClient()
@@ -198,13 +185,6 @@ void TestApiClient::repliesAreReleased()
     QTRY_COMPARE(m_client->findChildren<QNetworkReply *>().size(), 0);
     QCOMPARE(m_log->count(Wrong + "ConnectionRefusedError"), 5);
     m_log->clear();
-}
-
-void TestApiClient::instanceIsOneObject()
-{
-    QVERIFY(ApiClient::instance());
-    QCOMPARE(ApiClient::instance(), ApiClient::instance());
-    QVERIFY(!ApiClient::instance()->parent());
 }
 
 QTEST_GUILESS_MAIN(TestApiClient)

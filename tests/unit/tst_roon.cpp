@@ -1,42 +1,36 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "logcapture.h"
-#include "metatable.h"
+#include "propertyclasstest.h"
 #include "roon.h"
 
 #include <QCoreApplication>
 #include <QHostInfo>
 #include <QNetworkInterface>
 #include <QProcess>
-#include <QSignalSpy>
 #include <QTest>
 
 #include <cstdio>
 
-class TestRoon : public QObject {
+class TestRoon : public PropertyClassTest {
     Q_OBJECT
 
-private slots:
-    void init() { m_log.reset(new LogCapture); }
-    void cleanup() { m_log.reset(); }
+    std::unique_ptr<QObject> make() const override { return std::make_unique<Roon>(); }
+    QList<PropertyRow> rows() const override;
+    QStringList methodEntries() const override
+    {
+        return { "public signal coreDetectionChanged()" };
+    }
 
-    void metaObjectIsTheInterface();
-    void constructorLogsItsLine();
-    void startsEmpty();
-    void detectionNotifiesOnEveryWrite();
-    void textsAreStoredSilently_data();
-    void textsAreStoredSilently();
+private slots:
+    void instanceIsOneObject() { checkInstance<Roon>(); }
     void aNewServerAddressIsToldOutsideTheMetaObject();
     void hostNameIsTheMachines();
     void addressIsReadFromTheMachine();
     void addressOfTheFirstUsableInterface_data();
     void addressOfTheFirstUsableInterface();
     void addressIsLookedUpOnEveryRead();
-    void instanceIsOneObject();
 
 private:
     QStringList onAMachineWith(const QByteArray &commands, const QString &later = QString());
-
-    QScopedPointer<LogCapture> m_log;
 };
 
 /**
@@ -64,69 +58,17 @@ QStringList TestRoon::onAMachineWith(const QByteArray &commands, const QString &
         .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-void TestRoon::metaObjectIsTheInterface()
+QList<PropertyRow> TestRoon::rows() const
 {
-    const QMetaObject &meta = Roon::staticMetaObject;
-    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
-    QCOMPARE(propertyTable(meta),
-        QStringList({ "bool coreDetected read write coreDetectionChanged()",
-            "QString serverName read write", "QString id read write",
-            "QString serverUrl read write", "QString version read write",
-            "QString ipAddress read constant", "QString localHostName read constant" }));
-    QCOMPARE(methodTable(meta), QStringList({ "public signal coreDetectionChanged()" }));
-    QCOMPARE(enumeratorTable(meta), QStringList());
-}
-
-void TestRoon::constructorLogsItsLine()
-{
-    const Roon roon;
-    QCOMPARE(m_log->take(), QStringList({ constructorLine(QStringLiteral("Roon")) }));
-}
-
-void TestRoon::startsEmpty()
-{
-    const Roon roon;
-    QCOMPARE(roon.coreDetected(), false);
-    QCOMPARE(roon.serverName(), QString());
-    QCOMPARE(roon.id(), QString());
-    QCOMPARE(roon.serverUrl(), QString());
-    QCOMPARE(roon.version(), QString());
-    QVERIFY(!roon.parent());
-}
-
-void TestRoon::detectionNotifiesOnEveryWrite()
-{
-    Roon roon;
-    QSignalSpy changed(&roon, &Roon::coreDetectionChanged);
-    QVERIFY(roon.setProperty("coreDetected", false));
-    QCOMPARE(changed.count(), 1);
-    QVERIFY(roon.setProperty("coreDetected", false));
-    QCOMPARE(changed.count(), 2);
-    QVERIFY(roon.setProperty("coreDetected", true));
-    QCOMPARE(changed.count(), 3);
-    QCOMPARE(roon.coreDetected(), true);
-}
-
-void TestRoon::textsAreStoredSilently_data()
-{
-    QTest::addColumn<QByteArray>("property");
-    for (const char *name : { "serverName", "id", "serverUrl", "version" })
-        QTest::newRow(name) << QByteArray(name);
-}
-
-void TestRoon::textsAreStoredSilently()
-{
-    QFETCH(QByteArray, property);
-    Roon roon;
-    QSignalSpy changed(&roon, &Roon::coreDetectionChanged);
-    m_log->clear();
-    for (const QString &text : { QString(), QStringLiteral("Küche"), QStringLiteral("Küche"),
-             QStringLiteral("other"), QString() }) {
-        QVERIFY(roon.setProperty(property, text));
-        QCOMPARE(roon.property(property).toString(), text);
-    }
-    QCOMPARE(changed.count(), 0);
-    QCOMPARE(m_log->take(), QStringList());
+    return {
+        PropertyRow("bool coreDetected read write coreDetectionChanged()", false).onEveryWrite(),
+        { "QString serverName read write", QString() },
+        { "QString id read write", QString() },
+        { "QString serverUrl read write", QString() },
+        { "QString version read write", QString() },
+        { "QString ipAddress read constant" },
+        { "QString localHostName read constant" },
+    };
 }
 
 void TestRoon::aNewServerAddressIsToldOutsideTheMetaObject()
@@ -258,13 +200,6 @@ void TestRoon::addressIsLookedUpOnEveryRead()
         QStringList({ "info: Roon::ipAddress() found interface: p0",
             "result: ", "info: Roon::ipAddress() found interface: p0",
             "info: Roon::ipAddress() 192.0.2.1", "result: 192.0.2.1" }));
-}
-
-void TestRoon::instanceIsOneObject()
-{
-    QVERIFY(Roon::instance());
-    QCOMPARE(Roon::instance(), Roon::instance());
-    QVERIFY(!Roon::instance()->parent());
 }
 
 namespace {

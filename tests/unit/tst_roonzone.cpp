@@ -1,128 +1,63 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "logcapture.h"
-#include "metatable.h"
+#include "propertyclasstest.h"
 #include "roonzone.h"
-#include "samplevalue.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
-class TestRoonZone : public QObject {
+class TestRoonZone : public PropertyClassTest {
     Q_OBJECT
 
-private slots:
-    void init() { m_log.reset(new LogCapture); }
-    void cleanup() { m_log.reset(); }
+    std::unique_ptr<QObject> make() const override { return std::make_unique<RoonZone>("1601"); }
+    QList<PropertyRow> rows() const override;
+    QStringList methodEntries() const override { return { "public signal zoneChanged()" }; }
 
-    void metaObjectIsTheInterface();
-    void constructorLogsItsLine();
-    void startsUnknown();
-    void onlyIdNameAndStateNotify_data();
-    void onlyIdNameAndStateNotify();
-    void signalComesAfterTheValueIsStored();
+private slots:
+    void startsWithoutOutputs();
     void outputsAreTheDisplayNames_data();
     void outputsAreTheDisplayNames();
     void outputsAreReplacedWhole();
     void outputsAreLoggedWhole();
-
-private:
-    QScopedPointer<LogCapture> m_log;
 };
 
-void TestRoonZone::metaObjectIsTheInterface()
+QList<PropertyRow> TestRoonZone::rows() const
 {
-    const QMetaObject &meta = RoonZone::staticMetaObject;
-    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
-    QCOMPARE(propertyTable(meta),
-        QStringList({ "QString id read write zoneChanged()",
-            "QString name read write zoneChanged()", "QString state read write zoneChanged()",
-            "uint nowPlaying_seekPosition read write", "uint nowPlaying_length read write",
-            "QString nowPlaying_album read write", "QString nowPlaying_song read write",
-            "QString nowPlaying_artist read write", "QString nowPlaying_imageKey read write",
-            "bool settings_shuffle read write", "QString settings_loop read write",
-            "bool settings_autoRadio read write", "bool volume_available read write",
-            "QString volume_type read write", "float volume_value read write",
-            "float volume_min read write", "float volume_max read write",
-            "float volume_hard_limit_min read write", "float volume_hard_limit_max read write",
-            "float volume_soft_limit read write", "float volume_step read write",
-            "bool volume_is_muted read write", "uint queue_items_remaining read write",
-            "uint queue_time_remaining read write", "bool is_previous_allowed read write",
-            "bool is_next_allowed read write", "bool is_pause_allowed read write",
-            "bool is_play_allowed read write", "bool is_seek_allowed read write" }));
-    QCOMPARE(methodTable(meta), QStringList({ "public signal zoneChanged()" }));
-    QCOMPARE(enumeratorTable(meta), QStringList());
+    return {
+        { "QString id read write zoneChanged()", "1601" },
+        { "QString name read write zoneChanged()", "unknown" },
+        { "QString state read write zoneChanged()", "unknown" },
+        { "uint nowPlaying_seekPosition read write", 0u },
+        { "uint nowPlaying_length read write", 0u },
+        { "QString nowPlaying_album read write", QString() },
+        { "QString nowPlaying_song read write", QString() },
+        { "QString nowPlaying_artist read write", QString() },
+        { "QString nowPlaying_imageKey read write", QString() },
+        { "bool settings_shuffle read write", false },
+        { "QString settings_loop read write", QString() },
+        { "bool settings_autoRadio read write", false },
+        { "bool volume_available read write", false },
+        { "QString volume_type read write", QString() },
+        { "float volume_value read write", 0.0f },
+        { "float volume_min read write", 0.0f },
+        { "float volume_max read write", 0.0f },
+        { "float volume_hard_limit_min read write", 0.0f },
+        { "float volume_hard_limit_max read write", 0.0f },
+        { "float volume_soft_limit read write", 0.0f },
+        { "float volume_step read write", 0.0f },
+        { "bool volume_is_muted read write", false },
+        { "uint queue_items_remaining read write", 0u },
+        { "uint queue_time_remaining read write", 0u },
+        { "bool is_previous_allowed read write", false },
+        { "bool is_next_allowed read write", false },
+        { "bool is_pause_allowed read write", false },
+        { "bool is_play_allowed read write", false },
+        { "bool is_seek_allowed read write", false },
+    };
 }
 
-void TestRoonZone::constructorLogsItsLine()
+void TestRoonZone::startsWithoutOutputs()
 {
-    const RoonZone zone(QStringLiteral("1601"));
-    QCOMPARE(m_log->take(), QStringList({ constructorLine(QStringLiteral("RoonZone")) }));
-}
-
-void TestRoonZone::startsUnknown()
-{
-    const RoonZone zone(QStringLiteral("1601"));
-    QVERIFY(!zone.parent());
-    QCOMPARE(zone.id(), QStringLiteral("1601"));
-    QCOMPARE(zone.name(), QStringLiteral("unknown"));
-    QCOMPARE(zone.state(), QStringLiteral("unknown"));
-    QCOMPARE(zone.outputs(), QStringList());
-    const QMetaObject &meta = RoonZone::staticMetaObject;
-    for (int i = meta.propertyOffset() + 3; i < meta.propertyCount(); ++i) {
-        const QVariant value = meta.property(i).read(&zone);
-        QVERIFY2(value == QVariant(value.userType(), nullptr), meta.property(i).name());
-    }
-}
-
-void TestRoonZone::onlyIdNameAndStateNotify_data()
-{
-    QTest::addColumn<int>("index");
-    QTest::addColumn<int>("signalsPerChange");
-    const QMetaObject &meta = RoonZone::staticMetaObject;
-    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i)
-        QTest::newRow(meta.property(i).name()) << i << (i - meta.propertyOffset() < 3 ? 1 : 0);
-}
-
-void TestRoonZone::onlyIdNameAndStateNotify()
-{
-    QFETCH(int, index);
-    QFETCH(int, signalsPerChange);
-    RoonZone zone(QStringLiteral("1601"));
-    const QMetaProperty property = zone.metaObject()->property(index);
-    const QVariant first = property.read(&zone);
-    const QVariant sample = sampleValue(zone, property);
-    QSignalSpy changed(&zone, &RoonZone::zoneChanged);
-
-    QVERIFY(property.write(&zone, first));
-    QCOMPARE(changed.count(), 0);
-    QVERIFY(property.write(&zone, sample));
-    QCOMPARE(property.read(&zone), sample);
-    QCOMPARE(changed.count(), signalsPerChange);
-    QVERIFY(property.write(&zone, sample));
-    QCOMPARE(changed.count(), signalsPerChange);
-    QVERIFY(property.write(&zone, first));
-    QCOMPARE(property.read(&zone), first);
-    QCOMPARE(changed.count(), 2 * signalsPerChange);
-
-    // Each property has a place of its own.
-    const RoonZone fresh(QStringLiteral("1601"));
-    QVERIFY(property.write(&zone, sample));
-    const QMetaObject &meta = RoonZone::staticMetaObject;
-    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
-        if (i != index)
-            QCOMPARE(meta.property(i).read(&zone), meta.property(i).read(&fresh));
-    }
-    const QString line = constructorLine(QStringLiteral("RoonZone"));
-    QCOMPARE(m_log->take(), QStringList({ line, line }));
-}
-
-void TestRoonZone::signalComesAfterTheValueIsStored()
-{
-    RoonZone zone(QStringLiteral("1601"));
-    QString seen;
-    connect(&zone, &RoonZone::zoneChanged, this, [&] { seen = zone.state(); });
-    zone.setState(QStringLiteral("playing"));
-    QCOMPARE(seen, QStringLiteral("playing"));
+    QCOMPARE(RoonZone(QStringLiteral("1601")).outputs(), QStringList());
 }
 
 void TestRoonZone::outputsAreTheDisplayNames_data()

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "logcapture.h"
-#include "metatable.h"
+#include "propertyclasstest.h"
 #include "roonzones.h"
 
 #include <QPointer>
@@ -9,17 +8,22 @@
 
 #include <memory>
 
-class TestRoonZones : public QObject {
+class TestRoonZones : public PropertyClassTest {
     Q_OBJECT
+
+    std::unique_ptr<QObject> make() const override { return std::make_unique<RoonZones>(); }
+    QList<PropertyRow> rows() const override
+    {
+        return { { "QVariant zones read zonesChanged()", QStringList() } };
+    }
+    QStringList methodEntries() const override { return { "public signal zonesChanged()" }; }
 
 private slots:
     void init();
     void cleanup();
 
-    void metaObjectIsTheInterface();
-    void constructorLogsItsLine();
+    void instanceIsOneObject() { checkInstance<RoonZones>(); }
     void startsEmpty();
-    void instanceIsOneObject();
 
     void addTakesTheZone();
     void addRejectsAKnownId();
@@ -49,13 +53,12 @@ private slots:
 private:
     void add(const QString &id, const QByteArray &outputs = "[]");
 
-    std::unique_ptr<LogCapture> m_log;
     std::unique_ptr<RoonZones> m_zones;
 };
 
 void TestRoonZones::init()
 {
-    m_log.reset(new LogCapture);
+    PropertyClassTest::init();
     m_zones.reset(new RoonZones);
     m_log->clear();
 }
@@ -63,7 +66,7 @@ void TestRoonZones::init()
 void TestRoonZones::cleanup()
 {
     m_zones.reset();
-    m_log.reset();
+    PropertyClassTest::cleanup();
 }
 
 void TestRoonZones::add(const QString &id, const QByteArray &outputs)
@@ -72,21 +75,6 @@ void TestRoonZones::add(const QString &id, const QByteArray &outputs)
     zone->setOutputs(outputs);
     QVERIFY(m_zones->add(zone));
     m_log->clear();
-}
-
-void TestRoonZones::metaObjectIsTheInterface()
-{
-    const QMetaObject &meta = RoonZones::staticMetaObject;
-    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
-    QCOMPARE(propertyTable(meta), QStringList({ "QVariant zones read zonesChanged()" }));
-    QCOMPARE(methodTable(meta), QStringList({ "public signal zonesChanged()" }));
-    QCOMPARE(enumeratorTable(meta), QStringList());
-}
-
-void TestRoonZones::constructorLogsItsLine()
-{
-    const RoonZones zones;
-    QCOMPARE(m_log->take(), QStringList({ constructorLine(QStringLiteral("RoonZones")) }));
 }
 
 void TestRoonZones::startsEmpty()
@@ -98,13 +86,6 @@ void TestRoonZones::startsEmpty()
     QCOMPARE(m_zones->findZoneByDisplayName(QStringLiteral("Kitchen")), QString());
     QCOMPARE(m_zones->findZoneByDisplayName(QString()), QString());
     QCOMPARE(m_log->take(), QStringList());
-}
-
-void TestRoonZones::instanceIsOneObject()
-{
-    QVERIFY(RoonZones::instance());
-    QCOMPARE(RoonZones::instance(), RoonZones::instance());
-    QVERIFY(!RoonZones::instance()->parent());
 }
 
 void TestRoonZones::addTakesTheZone()

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "logcapture.h"
-#include "metatable.h"
+#include "propertyclasstest.h"
 #include "samplevalue.h"
 #include "settings.h"
 
@@ -11,31 +10,35 @@
 
 #include <memory>
 
-class TestSettings : public QObject {
+class TestSettings : public PropertyClassTest {
     Q_OBJECT
+
+    std::unique_ptr<QObject> make() const override
+    {
+        return std::make_unique<Settings>(m_directory->path());
+    }
+    QList<PropertyRow> rows() const override;
+    QStringList methodEntries() const override;
+    QStringList constructorLines() const override;
 
 private slots:
     void init();
     void cleanup();
 
-    void metaObjectIsTheInterface();
+    void instanceIsOneObject() { checkInstance<Settings>(); }
     void fileIsInTheDataDirectory();
-    void startsWithTheDefaults();
+    void readingMakesNoFile();
     void readsTheFile();
     void damagedFileGivesDefaults_data();
     void damagedFileGivesDefaults();
     void fileThatCannotBeOpenedGivesDefaults();
 
-    void notifiesOnlyOnChange_data();
-    void notifiesOnlyOnChange();
-    void screenSaverTimeNotifiesOnEveryWrite();
     void defaultPlayerScreenIsOnlyStored();
     void settersDoNotWriteTheFile();
 
     void colorNames_data();
     void colorNames();
     void equalColorDoesNotNotify();
-    void customColorNotifiesOnEveryWrite();
     void customColorShowsOnlyWhenChosen();
     void customColorIsTakenAsItStands();
 
@@ -48,7 +51,6 @@ private slots:
     void revertComesBackToTheFileAsItWasBeforeASave();
     void revertLeavesOtherSettings();
     void revertOfUnchangedValuesIsSilent();
-    void instanceIsOneObject();
 
 private:
     QString fileName() const { return m_directory->filePath(QStringLiteral("velunor-touch.ini")); }
@@ -56,13 +58,12 @@ private:
     QByteArray text() const;
     QVariant stored(const QString &key) const;
 
-    std::unique_ptr<LogCapture> m_log;
     std::unique_ptr<QTemporaryDir> m_directory;
 };
 
 void TestSettings::init()
 {
-    m_log.reset(new LogCapture);
+    PropertyClassTest::init();
     m_directory.reset(new QTemporaryDir);
     QVERIFY(m_directory->isValid());
 }
@@ -70,7 +71,7 @@ void TestSettings::init()
 void TestSettings::cleanup()
 {
     m_directory.reset();
-    m_log.reset();
+    PropertyClassTest::cleanup();
 }
 
 void TestSettings::write(const QByteArray &text) const
@@ -91,35 +92,59 @@ QVariant TestSettings::stored(const QString &key) const
     return QSettings(fileName(), QSettings::IniFormat).value(key);
 }
 
-void TestSettings::metaObjectIsTheInterface()
+QList<PropertyRow> TestSettings::rows() const
 {
-    const QMetaObject &meta = Settings::staticMetaObject;
-    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
-    QCOMPARE(propertyTable(meta),
-        QStringList({ "uint brightness read write lcdBrightnessChanged(uint)",
-            "uint clockBrightness read write lcdClockBrightnessChanged(uint)",
-            "QString clockColor read write lcdClockColorChanged(QString)",
-            "QString customClockColor read write",
-            "QString clockColorRGB read lcdClockColorChanged(QString)",
-            "bool timeFormat read write timeFormatChanged(bool)",
-            "bool scrolling read write scrollingChanged(bool)",
-            "bool blankScreen read write blankScreenChanged(bool)",
-            "uint defaultPlayerScreen read write",
-            "uint screenSaverTime read write screenSaverTimeChanged(uint)",
-            "bool hidePowerButton read write hidePowerButtonChanged(bool)",
-            "bool hideOptionsButtons read write hideOptionsButtonsChanged(bool)",
-            "bool ShowBlurBackground read write showBlurBackgroundChanged(bool)" }));
-    QCOMPARE(methodTable(meta),
-        QStringList({ "public signal lcdBrightnessChanged(uint)",
-            "public signal lcdClockBrightnessChanged(uint)",
-            "public signal lcdClockColorChanged(QString)", "public signal timeFormatChanged(bool)",
-            "public signal scrollingChanged(bool)", "public signal blankScreenChanged(bool)",
-            "public signal screenSaverTimeChanged(uint)",
-            "public signal hidePowerButtonChanged(bool)",
-            "public signal hideOptionsButtonsChanged(bool)",
-            "public signal showBlurBackgroundChanged(bool)", "public slot save()",
-            "public slot revert()" }));
-    QCOMPARE(enumeratorTable(meta), QStringList());
+    return {
+        PropertyRow("uint brightness read write lcdBrightnessChanged(uint)", 150u)
+            .writing({ 80u, 0u })
+            .logging({ "debug: Settings::setLcdBrightness() %1" }),
+        PropertyRow("uint clockBrightness read write lcdClockBrightnessChanged(uint)", 150u)
+            .writing({ 300u })
+            .logging({ "debug: Settings::setLcdClockBrightness() %1" }),
+        PropertyRow("QString clockColor read write lcdClockColorChanged(QString)", "grey")
+            .writing({ "green" })
+            .moving("clockColorRGB")
+            .logging({ "debug: Settings::setLcdClockColor() %1" }),
+        PropertyRow("QString customClockColor read write", "#545050")
+            .onEveryWrite()
+            .telling("lcdClockColorChanged(QString)")
+            .logging({ "debug: Settings::setLcdCustomClockColor() %1" }),
+        { "QString clockColorRGB read lcdClockColorChanged(QString)", "#545050" },
+        PropertyRow("bool timeFormat read write timeFormatChanged(bool)", true)
+            .logging({ "debug: Settings::timeFormat write %1" }),
+        PropertyRow("bool scrolling read write scrollingChanged(bool)", true)
+            .logging({ "debug: Settings::scrolling write %1" }),
+        PropertyRow("bool blankScreen read write blankScreenChanged(bool)", false)
+            .logging({ "debug: Settings::blankScreen write %1" }),
+        { "uint defaultPlayerScreen read write", 11u },
+        PropertyRow("uint screenSaverTime read write screenSaverTimeChanged(uint)", 10u)
+            .writing({ 3u, 0u })
+            .onEveryWrite(),
+        PropertyRow("bool hidePowerButton read write hidePowerButtonChanged(bool)", false)
+            .logging({ "debug: Settings::hidePowerButton write %1" }),
+        PropertyRow("bool hideOptionsButtons read write hideOptionsButtonsChanged(bool)", false)
+            .logging({ "debug: Settings::setHideOptionsButtons write %1" }),
+        PropertyRow("bool ShowBlurBackground read write showBlurBackgroundChanged(bool)", true)
+            .logging({ "debug: Settings::setShowBlurBackground write %1" }),
+    };
+}
+
+QStringList TestSettings::methodEntries() const
+{
+    return { "public signal lcdBrightnessChanged(uint)",
+        "public signal lcdClockBrightnessChanged(uint)",
+        "public signal lcdClockColorChanged(QString)", "public signal timeFormatChanged(bool)",
+        "public signal scrollingChanged(bool)", "public signal blankScreenChanged(bool)",
+        "public signal screenSaverTimeChanged(uint)", "public signal hidePowerButtonChanged(bool)",
+        "public signal hideOptionsButtonsChanged(bool)",
+        "public signal showBlurBackgroundChanged(bool)", "public slot save()",
+        "public slot revert()" };
+}
+
+QStringList TestSettings::constructorLines() const
+{
+    return PropertyClassTest::constructorLines()
+        + QStringList("debug: Settings: reading from: " + fileName());
 }
 
 void TestSettings::fileIsInTheDataDirectory()
@@ -134,24 +159,10 @@ void TestSettings::fileIsInTheDataDirectory()
     QCOMPARE(m_log->take().last(), "debug: Settings: reading from: " + fileName());
 }
 
-void TestSettings::startsWithTheDefaults()
+void TestSettings::readingMakesNoFile()
 {
     const Settings settings(m_directory->path());
-    QVERIFY(!settings.parent());
-    QCOMPARE(settings.brightness(), 150u);
-    QCOMPARE(settings.clockBrightness(), 150u);
-    QCOMPARE(settings.clockColor(), QStringLiteral("grey"));
-    QCOMPARE(settings.customClockColor(), QStringLiteral("#545050"));
-    QCOMPARE(settings.clockColorRGB(), QStringLiteral("#545050"));
-    QCOMPARE(settings.timeFormat(), true);
-    QCOMPARE(settings.scrolling(), true);
-    QCOMPARE(settings.blankScreen(), false);
-    QCOMPARE(settings.defaultPlayerScreen(), 11u);
-    QCOMPARE(settings.screenSaverTime(), 10u);
-    QCOMPARE(settings.hidePowerButton(), false);
-    QCOMPARE(settings.hideOptionsButtons(), false);
-    QCOMPARE(settings.showBlurBackground(), true);
-    QVERIFY(!QFile::exists(fileName())); // reading makes no file
+    QVERIFY(!QFile::exists(fileName()));
 }
 
 void TestSettings::readsTheFile()
@@ -223,97 +234,6 @@ void TestSettings::fileThatCannotBeOpenedGivesDefaults()
     QCOMPARE(m_log->take().size(), 2);
 }
 
-void TestSettings::notifiesOnlyOnChange_data()
-{
-    QTest::addColumn<QByteArray>("name");
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<QString>("line");
-    QTest::newRow("brightness") << QByteArray("brightness") << QVariant(80u)
-                                << "debug: Settings::setLcdBrightness() 80";
-    QTest::newRow("brightness 0") << QByteArray("brightness") << QVariant(0u)
-                                  << "debug: Settings::setLcdBrightness() 0";
-    QTest::newRow("clockBrightness") << QByteArray("clockBrightness") << QVariant(300u)
-                                     << "debug: Settings::setLcdClockBrightness() 300";
-    QTest::newRow("clockColor") << QByteArray("clockColor") << QVariant(QStringLiteral("green"))
-                                << "debug: Settings::setLcdClockColor() green";
-    QTest::newRow("timeFormat") << QByteArray("timeFormat") << QVariant(false)
-                                << "debug: Settings::timeFormat write false";
-    QTest::newRow("scrolling") << QByteArray("scrolling") << QVariant(false)
-                               << "debug: Settings::scrolling write false";
-    QTest::newRow("blankScreen") << QByteArray("blankScreen") << QVariant(true)
-                                 << "debug: Settings::blankScreen write true";
-    QTest::newRow("hidePowerButton") << QByteArray("hidePowerButton") << QVariant(true)
-                                     << "debug: Settings::hidePowerButton write true";
-    QTest::newRow("hideOptionsButtons") << QByteArray("hideOptionsButtons") << QVariant(true)
-                                        << "debug: Settings::setHideOptionsButtons write true";
-    QTest::newRow("ShowBlurBackground") << QByteArray("ShowBlurBackground") << QVariant(false)
-                                        << "debug: Settings::setShowBlurBackground write false";
-}
-
-void TestSettings::notifiesOnlyOnChange()
-{
-    QFETCH(QByteArray, name);
-    QFETCH(QVariant, value);
-    QFETCH(QString, line);
-    Settings settings(m_directory->path());
-    m_log->clear();
-    const QMetaProperty property
-        = settings.metaObject()->property(settings.metaObject()->indexOfProperty(name.constData()));
-    const QVariant first = property.read(&settings);
-    QSignalSpy changed(&settings, property.notifySignal());
-    QVariant seen;
-    // The state is complete before the signal.
-    const QScopedPointer<QObject> probe(new QObject);
-    connect(&settings, &Settings::lcdBrightnessChanged, probe.data(),
-        [&] { seen = property.read(&settings); });
-
-    QVERIFY(property.write(&settings, first));
-    QCOMPARE(changed.count(), 0);
-    QCOMPARE(m_log->take(), QStringList());
-
-    QVERIFY(property.write(&settings, value));
-    QCOMPARE(property.read(&settings), value);
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(changed.takeFirst(), QVariantList({ value }));
-    QCOMPARE(m_log->take(), QStringList({ line }));
-    if (name == "brightness")
-        QCOMPARE(seen, value);
-
-    QVERIFY(property.write(&settings, value));
-    QCOMPARE(changed.count(), 0);
-    QCOMPARE(m_log->take(), QStringList());
-
-    QVERIFY(property.write(&settings, first));
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(changed.takeFirst(), QVariantList({ first }));
-    m_log->clear();
-
-    // Nothing else has moved.
-    const Settings fresh(m_directory->path());
-    QVERIFY(property.write(&settings, value));
-    const QMetaObject &meta = Settings::staticMetaObject;
-    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
-        if (i == property.propertyIndex()
-            || (name == "clockColor" && i == meta.indexOfProperty("clockColorRGB")))
-            continue;
-        QCOMPARE(meta.property(i).read(&settings), meta.property(i).read(&fresh));
-    }
-}
-
-void TestSettings::screenSaverTimeNotifiesOnEveryWrite()
-{
-    Settings settings(m_directory->path());
-    m_log->clear();
-    QSignalSpy changed(&settings, &Settings::screenSaverTimeChanged);
-    for (const uint minutes : { 10u, 10u, 3u, 3u, 0u })
-        QVERIFY(settings.setProperty("screenSaverTime", minutes));
-    QCOMPARE(changed.count(), 5);
-    QCOMPARE(changed.at(0), QVariantList({ 10u }));
-    QCOMPARE(changed.at(4), QVariantList({ 0u }));
-    QCOMPARE(settings.screenSaverTime(), 0u);
-    QCOMPARE(m_log->take(), QStringList());
-}
-
 void TestSettings::defaultPlayerScreenIsOnlyStored()
 {
     write("[LCD]\nDefaultPlayerScreen=12\n");
@@ -333,7 +253,8 @@ void TestSettings::settersDoNotWriteTheFile()
         const QMetaObject &meta = Settings::staticMetaObject;
         for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
             if (meta.property(i).isWritable())
-                QVERIFY(meta.property(i).write(&settings, sampleValue(settings, meta.property(i))));
+                QVERIFY(meta.property(i).write(
+                    &settings, sampleValue(meta.property(i).read(&settings))));
         }
     }
     QVERIFY(!QFile::exists(fileName()));
@@ -407,24 +328,6 @@ void TestSettings::equalColorDoesNotNotify()
     settings.setLcdClockColor(QStringLiteral("purple"));
     QCOMPARE(changed.count(), 0);
     QCOMPARE(m_log->take(), QStringList());
-}
-
-void TestSettings::customColorNotifiesOnEveryWrite()
-{
-    Settings settings(m_directory->path());
-    m_log->clear();
-    QSignalSpy changed(&settings, &Settings::lcdClockColorChanged);
-    QVERIFY(settings.setProperty("customClockColor", QStringLiteral("#545050")));
-    QVERIFY(settings.setProperty("customClockColor", QStringLiteral("#123456")));
-    QVERIFY(settings.setProperty("customClockColor", QStringLiteral("#123456")));
-    QCOMPARE(changed.count(), 3);
-    QCOMPARE(changed.at(0), QVariantList({ QStringLiteral("#545050") }));
-    QCOMPARE(changed.at(1), QVariantList({ QStringLiteral("#123456") }));
-    QCOMPARE(changed.at(2), QVariantList({ QStringLiteral("#123456") }));
-    QCOMPARE(m_log->take(),
-        QStringList({ "debug: Settings::setLcdCustomClockColor() #545050",
-            "debug: Settings::setLcdCustomClockColor() #123456",
-            "debug: Settings::setLcdCustomClockColor() #123456" }));
 }
 
 void TestSettings::customColorShowsOnlyWhenChosen()
@@ -555,7 +458,7 @@ void TestSettings::revertLeavesOtherSettings()
     QList<QVariant> values;
     for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
         if (meta.property(i).isWritable())
-            meta.property(i).write(&settings, sampleValue(settings, meta.property(i)));
+            meta.property(i).write(&settings, sampleValue(meta.property(i).read(&settings)));
         values.append(meta.property(i).read(&settings));
     }
     settings.revert();
@@ -572,13 +475,6 @@ void TestSettings::revertOfUnchangedValuesIsSilent()
     QVERIFY(QMetaObject::invokeMethod(&settings, "revert", Qt::DirectConnection));
     QCOMPARE(brightness.count() + clockBrightness.count(), 0);
     QCOMPARE(m_log->take(), QStringList({ "debug: Settings::revert()" }));
-}
-
-void TestSettings::instanceIsOneObject()
-{
-    QVERIFY(Settings::instance());
-    QCOMPARE(Settings::instance(), Settings::instance());
-    QVERIFY(!Settings::instance()->parent());
 }
 
 QTEST_GUILESS_MAIN(TestSettings)

@@ -1,149 +1,75 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "logcapture.h"
-#include "metatable.h"
-#include "samplevalue.h"
+#include "propertyclasstest.h"
 #include "velunor_state.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
-class TestVelunorState : public QObject {
+namespace {
+
+/** What a change logs while UpdateAvailable reads @p available. */
+QStringList linesWith(const char *available)
+{
+    return { "info: VelunorState::propertyChanged()",
+        QStringLiteral("debug: VelunorState::propertyChanged() update_available: ")
+            + QLatin1String(available) };
+}
+
+} // namespace
+
+class TestVelunorState : public PropertyClassTest {
     Q_OBJECT
 
-private slots:
-    void init() { m_log.reset(new LogCapture); }
-    void cleanup() { m_log.reset(); }
+    std::unique_ptr<QObject> make() const override { return std::make_unique<VelunorState>(); }
+    QList<PropertyRow> rows() const override;
+    QStringList methodEntries() const override;
 
-    void metaObjectIsTheInterface();
-    void constructorLogsItsLine();
-    void startsFalseAndEmpty();
-    void notifiesOnlyOnChange_data();
-    void notifiesOnlyOnChange();
-    void signalComesAfterTheValueIsStored();
+private slots:
+    void instanceIsOneObject() { checkInstance<VelunorState>(); }
     void logTellsWhetherAnUpdateIsAvailable();
     void emptyInfoOnAFreshObjectIsNoChange();
     void propertyChangedOnlyLogs();
-    void instanceIsOneObject();
-
-private:
-    QScopedPointer<LogCapture> m_log;
 };
 
-void TestVelunorState::metaObjectIsTheInterface()
+QList<PropertyRow> TestVelunorState::rows() const
 {
-    const QMetaObject &meta = VelunorState::staticMetaObject;
-    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
-    QCOMPARE(propertyTable(meta),
-        QStringList({ "bool Stage read write stateVelunorStageChanged()",
-            "bool Init read write stateVelunorInitChanged()",
-            "bool Installation read write stateVelunorInstallationChanged()",
-            "bool RequireConfigure read write stateRequireConfigureChanged()",
-            "bool RequireReboot read write stateRequireRebootChanged()",
-            "bool ConfigureIsRunning read write stateConfigureIsRunningChanged()",
-            "bool UpdateAvailable read write stateUpdateAvailableChanged()",
-            "bool UpdateInstalling read write stateUpdateInstallingChanged()",
-            "bool UpdateInhibited read write stateUpdateInhibitedChanged()",
-            "bool WebIfaceIsUp read write stateWebIfaceIsUpChanged()",
-            "bool TimeSynced read write stateTimeSyncedChanged()",
-            "QString UpdateInfo read write stateUpdateInfoChanged()",
-            "QString InhibitReason read write stateInhibitReasonChanged()" }));
-    QCOMPARE(methodTable(meta),
-        QStringList(
-            { "public signal stateVelunorStageChanged()", "public signal stateVelunorInitChanged()",
-                "public signal stateVelunorInstallationChanged()",
-                "public signal stateRequireConfigureChanged()",
-                "public signal stateRequireRebootChanged()",
-                "public signal stateConfigureIsRunningChanged()",
-                "public signal stateUpdateAvailableChanged()",
-                "public signal stateUpdateInstallingChanged()",
-                "public signal stateUpdateInhibitedChanged()",
-                "public signal stateWebIfaceIsUpChanged()",
-                "public signal stateTimeSyncedChanged()", "public signal stateUpdateInfoChanged()",
-                "public signal stateInhibitReasonChanged()", "private slot propertyChanged()" }));
-    QCOMPARE(enumeratorTable(meta), QStringList());
+    const QStringList lines = linesWith("false");
+    return {
+        PropertyRow("bool Stage read write stateVelunorStageChanged()", false).logging(lines),
+        PropertyRow("bool Init read write stateVelunorInitChanged()", false).logging(lines),
+        PropertyRow("bool Installation read write stateVelunorInstallationChanged()", false)
+            .logging(lines),
+        PropertyRow("bool RequireConfigure read write stateRequireConfigureChanged()", false)
+            .logging(lines),
+        PropertyRow("bool RequireReboot read write stateRequireRebootChanged()", false)
+            .logging(lines),
+        PropertyRow("bool ConfigureIsRunning read write stateConfigureIsRunningChanged()", false)
+            .logging(lines),
+        PropertyRow("bool UpdateAvailable read write stateUpdateAvailableChanged()", false)
+            .logging(linesWith("%1")),
+        PropertyRow("bool UpdateInstalling read write stateUpdateInstallingChanged()", false)
+            .logging(lines),
+        { "bool UpdateInhibited read write stateUpdateInhibitedChanged()", false },
+        PropertyRow("bool WebIfaceIsUp read write stateWebIfaceIsUpChanged()", false)
+            .logging(lines),
+        PropertyRow("bool TimeSynced read write stateTimeSyncedChanged()", false).logging(lines),
+        PropertyRow("QString UpdateInfo read write stateUpdateInfoChanged()", QString())
+            .logging(lines),
+        { "QString InhibitReason read write stateInhibitReasonChanged()", QString() },
+    };
 }
 
-void TestVelunorState::constructorLogsItsLine()
+QStringList TestVelunorState::methodEntries() const
 {
-    const VelunorState state;
-    QCOMPARE(m_log->take(), QStringList({ constructorLine(QStringLiteral("VelunorState")) }));
-}
-
-void TestVelunorState::startsFalseAndEmpty()
-{
-    const VelunorState state;
-    QVERIFY(!state.parent());
-    const QMetaObject &meta = VelunorState::staticMetaObject;
-    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
-        const QVariant value = meta.property(i).read(&state);
-        QVERIFY2(value == QVariant(value.userType(), nullptr), meta.property(i).name());
-    }
-}
-
-void TestVelunorState::notifiesOnlyOnChange_data()
-{
-    QTest::addColumn<int>("index");
-    QTest::addColumn<bool>("logged");
-    const QMetaObject &meta = VelunorState::staticMetaObject;
-    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
-        const QByteArray name(meta.property(i).name());
-        QTest::newRow(name) << i << (name != "UpdateInhibited" && name != "InhibitReason");
-    }
-}
-
-void TestVelunorState::notifiesOnlyOnChange()
-{
-    QFETCH(int, index);
-    QFETCH(bool, logged);
-    VelunorState state;
-    const VelunorState fresh;
-    const QMetaObject &meta = VelunorState::staticMetaObject;
-    const QMetaProperty property = meta.property(index);
-    const QVariant first = property.read(&state);
-    const QVariant sample = sampleValue(state, property);
-    m_log->clear();
-    QSignalSpy changed(&state, property.notifySignal());
-    const QString available
-        = QString::fromLatin1(property.name()) == QLatin1String("UpdateAvailable")
-        ? QStringLiteral("true")
-        : QStringLiteral("false");
-    const QStringList lines = logged
-        ? QStringList({ "info: VelunorState::propertyChanged()",
-            "debug: VelunorState::propertyChanged() update_available: " + available })
-        : QStringList();
-
-    QVERIFY(property.write(&state, first));
-    QCOMPARE(changed.count(), 0);
-    QCOMPARE(m_log->take(), QStringList());
-
-    QVERIFY(property.write(&state, sample));
-    QCOMPARE(property.read(&state), sample);
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(m_log->take(), lines);
-
-    QVERIFY(property.write(&state, sample));
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(m_log->take(), QStringList());
-
-    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
-        if (i != index)
-            QCOMPARE(meta.property(i).read(&state), meta.property(i).read(&fresh));
-    }
-
-    QVERIFY(property.write(&state, first));
-    QCOMPARE(property.read(&state), first);
-    QCOMPARE(changed.count(), 2);
-    QCOMPARE(m_log->take().size(), lines.size());
-}
-
-void TestVelunorState::signalComesAfterTheValueIsStored()
-{
-    VelunorState state;
-    bool seen = false;
-    connect(&state, &VelunorState::stateUpdateInstallingChanged, this,
-        [&] { seen = state.updateInstalling(); });
-    QVERIFY(state.setProperty("UpdateInstalling", true));
-    QVERIFY(seen);
+    return { "public signal stateVelunorStageChanged()", "public signal stateVelunorInitChanged()",
+        "public signal stateVelunorInstallationChanged()",
+        "public signal stateRequireConfigureChanged()", "public signal stateRequireRebootChanged()",
+        "public signal stateConfigureIsRunningChanged()",
+        "public signal stateUpdateAvailableChanged()",
+        "public signal stateUpdateInstallingChanged()",
+        "public signal stateUpdateInhibitedChanged()", "public signal stateWebIfaceIsUpChanged()",
+        "public signal stateTimeSyncedChanged()", "public signal stateUpdateInfoChanged()",
+        "public signal stateInhibitReasonChanged()", "private slot propertyChanged()" };
 }
 
 void TestVelunorState::logTellsWhetherAnUpdateIsAvailable()
@@ -175,13 +101,6 @@ void TestVelunorState::propertyChangedOnlyLogs()
         QStringList({ "info: VelunorState::propertyChanged()",
             "debug: VelunorState::propertyChanged() update_available: false" }));
     QCOMPARE(state.property("UpdateAvailable"), QVariant(false));
-}
-
-void TestVelunorState::instanceIsOneObject()
-{
-    QVERIFY(VelunorState::instance());
-    QCOMPARE(VelunorState::instance(), VelunorState::instance());
-    QVERIFY(!VelunorState::instance()->parent());
 }
 
 QTEST_GUILESS_MAIN(TestVelunorState)
