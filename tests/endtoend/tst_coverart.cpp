@@ -45,7 +45,7 @@ bool alike(const QColor &one, const QColor &other)
 } // namespace
 
 /** The player's cover with an image service in good and bad health. */
-class CoverArtTest : public QObject {
+class TestCoverArt : public QObject {
     Q_OBJECT
 
 private slots:
@@ -99,7 +99,7 @@ private:
     bool m_complaintsExpected = false;
 };
 
-void CoverArtTest::init()
+void TestCoverArt::init()
 {
     m_complaintsExpected = false;
     m_appliance = std::make_unique<Appliance>();
@@ -111,7 +111,7 @@ void CoverArtTest::init()
     QVERIFY(m_appliance->waitForPage("RoonPlayerWindow2"));
 }
 
-void CoverArtTest::cleanup()
+void TestCoverArt::cleanup()
 {
     if (!m_complaintsExpected && !QTest::currentTestFailed()) {
         // Warnings of the scene engine carry a QML file's name or none at all.
@@ -125,7 +125,7 @@ void CoverArtTest::cleanup()
     m_appliance.reset();
 }
 
-void CoverArtTest::showsTheCoverOfTheTrack()
+void TestCoverArt::showsTheCoverOfTheTrack()
 {
     m_appliance->images.setBehaviour("red", picture(Qt::red));
     play("red");
@@ -135,7 +135,7 @@ void CoverArtTest::showsTheCoverOfTheTrack()
         QByteArray("GET /image/red?scale=fit&width=402&height=402&format=image/jpeg HTTP/1.1"));
 }
 
-void CoverArtTest::anyShapeIsSeenWhole_data()
+void TestCoverArt::anyShapeIsSeenWhole_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::newRow("square") << QSize(402, 402);
@@ -144,7 +144,7 @@ void CoverArtTest::anyShapeIsSeenWhole_data()
     QTest::newRow("small") << QSize(20, 20);
 }
 
-void CoverArtTest::anyShapeIsSeenWhole()
+void TestCoverArt::anyShapeIsSeenWhole()
 {
     QFETCH(QSize, size);
     Behaviour behaviour = picture(Qt::red);
@@ -167,7 +167,7 @@ void CoverArtTest::anyShapeIsSeenWhole()
                        .arg(part.top())));
 }
 
-void CoverArtTest::fetchesACoverOnce()
+void TestCoverArt::fetchesACoverOnce()
 {
     m_appliance->images.setBehaviour("red", picture(Qt::red));
     m_appliance->images.setBehaviour("green", picture(Qt::green));
@@ -186,7 +186,7 @@ void CoverArtTest::fetchesACoverOnce()
     QCOMPARE(m_appliance->program.count(Fetched), 3);
 }
 
-void CoverArtTest::oneFailureIsRetried()
+void TestCoverArt::oneFailureIsRetried()
 {
     Behaviour behaviour = picture(Qt::blue);
     behaviour.failures = 1;
@@ -199,14 +199,14 @@ void CoverArtTest::oneFailureIsRetried()
     QCOMPARE(m_appliance->program.count(Failed), 0);
 }
 
-void CoverArtTest::aFailingServiceLeavesTheLogo_data()
+void TestCoverArt::aFailingServiceLeavesTheLogo_data()
 {
     QTest::addColumn<int>("kind");
     QTest::newRow("status 500") << int(Behaviour::Trouble);
     QTest::newRow("connection dropped") << int(Behaviour::Drop);
 }
 
-void CoverArtTest::aFailingServiceLeavesTheLogo()
+void TestCoverArt::aFailingServiceLeavesTheLogo()
 {
     QFETCH(int, kind);
     m_appliance->images.setBehaviour("red", picture(Qt::red));
@@ -227,7 +227,7 @@ void CoverArtTest::aFailingServiceLeavesTheLogo()
     QCOMPARE(m_appliance->images.requestsFor("red"), 1); // a failure leaves the kept picture alone
 }
 
-void CoverArtTest::garbageIsLeftBehindWithItsTrack()
+void TestCoverArt::garbageIsLeftBehindWithItsTrack()
 {
     m_complaintsExpected = true; // the engine says that it got no picture
     m_appliance->images.setBehaviour("garbage", trouble(Behaviour::Garbage));
@@ -238,7 +238,7 @@ void CoverArtTest::garbageIsLeftBehindWithItsTrack()
     QVERIFY(coverBecomes(Qt::red));
 }
 
-void CoverArtTest::aLateCoverDoesNotReplaceTheWantedOne()
+void TestCoverArt::aLateCoverDoesNotReplaceTheWantedOne()
 {
     m_appliance->images.setBehaviour("late", picture(Qt::red, 600));
     m_appliance->images.setBehaviour("wanted", picture(Qt::green));
@@ -252,7 +252,7 @@ void CoverArtTest::aLateCoverDoesNotReplaceTheWantedOne()
     QVERIFY(showsCover(Qt::green));
 }
 
-void CoverArtTest::aHangingServiceDoesNotKeepTheNextCoverAway()
+void TestCoverArt::aHangingServiceDoesNotKeepTheNextCoverAway()
 {
     m_appliance->images.setBehaviour("red", picture(Qt::red));
     m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
@@ -267,14 +267,14 @@ void CoverArtTest::aHangingServiceDoesNotKeepTheNextCoverAway()
     QVERIFY(coverBecomes(Qt::green));
 }
 
-void CoverArtTest::aLateAddressBringsTheCover_data()
+void TestCoverArt::aLateAddressBringsTheCover_data()
 {
     QTest::addColumn<QByteArray>("before");
     QTest::newRow("none yet") << QByteArray();
     QTest::newRow("a dead one") << QByteArray("127.0.0.1:1");
 }
 
-void CoverArtTest::aLateAddressBringsTheCover()
+void TestCoverArt::aLateAddressBringsTheCover()
 {
     QFETCH(QByteArray, before);
     m_appliance->images.setBehaviour("red", picture(Qt::red));
@@ -287,14 +287,14 @@ void CoverArtTest::aLateAddressBringsTheCover()
     QCOMPARE(m_appliance->images.requestsFor("red"), 1);
 }
 
-void CoverArtTest::aCoreThatMovesIsAskedAtItsNewAddress_data()
+void TestCoverArt::aCoreThatMovesIsAskedAtItsNewAddress_data()
 {
     QTest::addColumn<int>("kind");
     QTest::newRow("while the old one hangs") << int(Behaviour::Hang);
     QTest::newRow("with its cover on view") << int(Behaviour::Picture);
 }
 
-void CoverArtTest::aCoreThatMovesIsAskedAtItsNewAddress()
+void TestCoverArt::aCoreThatMovesIsAskedAtItsNewAddress()
 {
     QFETCH(int, kind);
     ImageServer other;
@@ -313,7 +313,7 @@ void CoverArtTest::aCoreThatMovesIsAskedAtItsNewAddress()
     QCOMPARE(other.requestsFor("cover"), 1);
 }
 
-void CoverArtTest::messagesAndTouchesAreServedDuringTheWait()
+void TestCoverArt::messagesAndTouchesAreServedDuringTheWait()
 {
     m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
     play("hanging");
@@ -326,7 +326,7 @@ void CoverArtTest::messagesAndTouchesAreServedDuringTheWait()
         QList<QByteArray>({ R"({"command":"playpause","zone_id":"z1"})" }), PatienceMs);
 }
 
-void CoverArtTest::skippingThroughAnAlbumEndsOnTheLastCover()
+void TestCoverArt::skippingThroughAnAlbumEndsOnTheLastCover()
 {
     for (int track = 0; track < 50; ++track)
         m_appliance->images.setBehaviour(
@@ -346,14 +346,14 @@ void CoverArtTest::skippingThroughAnAlbumEndsOnTheLastCover()
     QVERIFY(m_appliance->images.requests().size() <= 50);
 }
 
-void CoverArtTest::thePageCanBeLeftDuringAFetch_data()
+void TestCoverArt::thePageCanBeLeftDuringAFetch_data()
 {
     QTest::addColumn<bool>("hangs");
     QTest::newRow("slow service") << false;
     QTest::newRow("hanging service") << true;
 }
 
-void CoverArtTest::thePageCanBeLeftDuringAFetch()
+void TestCoverArt::thePageCanBeLeftDuringAFetch()
 {
     QFETCH(bool, hangs);
     m_appliance->images.setBehaviour(
@@ -371,7 +371,7 @@ void CoverArtTest::thePageCanBeLeftDuringAFetch()
     QVERIFY(coverBecomes(Qt::green));
 }
 
-void CoverArtTest::theCoreCanGoDuringAFetch()
+void TestCoverArt::theCoreCanGoDuringAFetch()
 {
     m_appliance->images.setBehaviour("away", trouble(Behaviour::Hang));
     m_appliance->images.setBehaviour("back", picture(Qt::green));
@@ -385,7 +385,7 @@ void CoverArtTest::theCoreCanGoDuringAFetch()
     QVERIFY(coverBecomes(Qt::green));
 }
 
-void CoverArtTest::aPageThatIsLeftKeepsNoCoverFromTheNext_data()
+void TestCoverArt::aPageThatIsLeftKeepsNoCoverFromTheNext_data()
 {
     QTest::addColumn<bool>("byCore");
     // Which of the program's turns sees what of a burst is a matter of chance.
@@ -395,7 +395,7 @@ void CoverArtTest::aPageThatIsLeftKeepsNoCoverFromTheNext_data()
     }
 }
 
-void CoverArtTest::aPageThatIsLeftKeepsNoCoverFromTheNext()
+void TestCoverArt::aPageThatIsLeftKeepsNoCoverFromTheNext()
 {
     QFETCH(bool, byCore);
     m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
@@ -417,7 +417,7 @@ void CoverArtTest::aPageThatIsLeftKeepsNoCoverFromTheNext()
     }
 }
 
-void CoverArtTest::pagesAndTracksChangeInAnyOrder()
+void TestCoverArt::pagesAndTracksChangeInAnyOrder()
 {
     m_complaintsExpected = true; // garbage is among the answers
     m_appliance->images.setBehaviour("slow", picture(Qt::red, 300));
@@ -443,14 +443,14 @@ void CoverArtTest::pagesAndTracksChangeInAnyOrder()
     QCOMPARE(m_appliance->program.count(Line::any("Binding loop").andMore()), 0);
 }
 
-void CoverArtTest::aSignalDuringAFetchEndsItCleanly_data()
+void TestCoverArt::aSignalDuringAFetchEndsItCleanly_data()
 {
     QTest::addColumn<int>("number");
     QTest::newRow("SIGTERM") << SIGTERM;
     QTest::newRow("SIGINT") << SIGINT;
 }
 
-void CoverArtTest::aSignalDuringAFetchEndsItCleanly()
+void TestCoverArt::aSignalDuringAFetchEndsItCleanly()
 {
     QFETCH(int, number);
     m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
@@ -466,13 +466,13 @@ void CoverArtTest::aSignalDuringAFetchEndsItCleanly()
     QCOMPARE(m_appliance->program.count(Failed), 0);
 }
 
-void CoverArtTest::play(const QString &key)
+void TestCoverArt::play(const QString &key)
 {
     m_appliance->publishZone("nowPlaying/song", key.toUtf8());
     m_appliance->publishZone("nowPlaying/imageKey", key.toUtf8());
 }
 
-QColor CoverArtTest::coverColour()
+QColor TestCoverArt::coverColour()
 {
     Probe &probe = m_appliance->program.probe();
     const QRectF cover = probe.area("coverPicture");
@@ -481,7 +481,7 @@ QColor CoverArtTest::coverColour()
     return image.valid(place) ? image.pixelColor(place) : QColor();
 }
 
-QRect CoverArtTest::partIn(const QColor &colour)
+QRect TestCoverArt::partIn(const QColor &colour)
 {
     const QImage page = m_appliance->program.probe().picture();
     QRect part;
@@ -494,12 +494,12 @@ QRect CoverArtTest::partIn(const QColor &colour)
     return part;
 }
 
-bool CoverArtTest::showsLogo()
+bool TestCoverArt::showsLogo()
 {
     Probe &probe = m_appliance->program.probe();
     const QString logo = "images/Velunor_logo_v020-07.png";
     return drawnFile(probe.picture(), probe.area("cover") - CoverFrame, { logo }) == logo;
 }
 
-QTEST_GUILESS_MAIN(CoverArtTest)
+QTEST_GUILESS_MAIN(TestCoverArt)
 #include "tst_coverart.moc"

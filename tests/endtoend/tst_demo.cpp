@@ -88,7 +88,7 @@ using End = std::function<void(Terminal &)>;
 Q_DECLARE_METATYPE(End)
 
 /** scripts/demo as a person starts it, in a terminal and beside an X server. */
-class DemoTest : public QObject {
+class TestDemo : public QObject {
     Q_OBJECT
 
 private slots:
@@ -124,7 +124,7 @@ private:
     QStringList m_before;
 };
 
-void DemoTest::initTestCase()
+void TestDemo::initTestCase()
 {
     QVERIFY(m_display.start());
     m_environment = QProcessEnvironment::systemEnvironment();
@@ -138,12 +138,12 @@ void DemoTest::initTestCase()
 }
 
 /** However a test has ended its demo. */
-void DemoTest::cleanup()
+void TestDemo::cleanup()
 {
     QTRY_COMPARE_WITH_TIMEOUT(leftBehind(), QString(), PatienceMs);
 }
 
-bool DemoTest::start(Terminal &terminal, const QStringList &arguments)
+bool TestDemo::start(Terminal &terminal, const QStringList &arguments)
 {
     return terminal.run(
         QStringList { TOUCHUI_CHECKOUT "/scripts/demo", "--build", TOUCHUI_BUILD } + arguments,
@@ -173,7 +173,7 @@ bool DemoTest::touchPlayPause()
         && QProcess::execute("xdotool", { "mousemove", "605", "345", "click", "1" }) == 0;
 }
 
-QString DemoTest::leftBehind() const
+QString TestDemo::leftBehind() const
 {
     QStringList left;
     for (const QString &trace : traces()) {
@@ -184,7 +184,7 @@ QString DemoTest::leftBehind() const
     return left.join('\n');
 }
 
-void DemoTest::showsThePlayerAndTakesTouches()
+void TestDemo::showsThePlayerAndTakesTouches()
 {
     qputenv("DISPLAY", m_display.name().toUtf8());
     Terminal terminal;
@@ -198,7 +198,7 @@ void DemoTest::showsThePlayerAndTakesTouches()
     QVERIFY(terminal.waitFor("command: play/pause in Hugo2X\n"));
 }
 
-void DemoTest::leavesNothingBehind_data()
+void TestDemo::leavesNothingBehind_data()
 {
     QTest::addColumn<End>("end");
     QTest::addColumn<int>("status");
@@ -220,7 +220,7 @@ void DemoTest::leavesNothingBehind_data()
     QTest::newRow("quit") << End([](Terminal &terminal) { terminal.type("quit\n"); }) << 1;
 }
 
-void DemoTest::leavesNothingBehind()
+void TestDemo::leavesNothingBehind()
 {
     QFETCH(End, end);
     QFETCH(int, status);
@@ -233,7 +233,7 @@ void DemoTest::leavesNothingBehind()
     QCOMPARE(terminal.exitStatus(), status);
 }
 
-void DemoTest::isGoneEvenBeforeItIsUp()
+void TestDemo::isGoneEvenBeforeItIsUp()
 {
     for (int number : { SIGKILL, SIGTERM }) {
         for (const char *const latest : { "unshare", "mosquitto", "velunor-simulator" }) {
@@ -247,7 +247,7 @@ void DemoTest::isGoneEvenBeforeItIsUp()
     }
 }
 
-void DemoTest::keepsOutOfTheWayOfTakenPorts()
+void TestDemo::keepsOutOfTheWayOfTakenPorts()
 {
     QTcpServer broker;
     QTcpServer webService;
@@ -265,7 +265,7 @@ void DemoTest::keepsOutOfTheWayOfTakenPorts()
     QVERIFY(!webService.hasPendingConnections());
 }
 
-void DemoTest::isShownOverVncWithoutADisplay()
+void TestDemo::isShownOverVncWithoutADisplay()
 {
     m_environment.remove("DISPLAY");
     Terminal terminal;
@@ -288,7 +288,7 @@ void DemoTest::isShownOverVncWithoutADisplay()
     QVERIFY(terminal.waitForExit());
 }
 
-void DemoTest::isShownOverVncOnAWaylandDesk()
+void TestDemo::isShownOverVncOnAWaylandDesk()
 {
     m_environment.remove("DISPLAY");
     m_environment.insert("WAYLAND_DISPLAY", "wayland-0");
@@ -303,7 +303,7 @@ void DemoTest::isShownOverVncOnAWaylandDesk()
     QVERIFY(terminal.waitFor("return fetched mage\n"));
 }
 
-void DemoTest::worksForRootWithoutUserNamespaces()
+void TestDemo::worksForRootWithoutUserNamespaces()
 {
     // Each user namespace, such as the one that this test runs in, has a limit of its own.
     QFile limit(QStringLiteral("/proc/sys/user/max_user_namespaces"));
@@ -318,7 +318,7 @@ void DemoTest::worksForRootWithoutUserNamespaces()
     QVERIFY(shown);
 }
 
-void DemoTest::restartsItsBroker()
+void TestDemo::restartsItsBroker()
 {
     Terminal terminal;
     QVERIFY(start(terminal));
@@ -331,7 +331,7 @@ void DemoTest::restartsItsBroker()
     QTRY_COMPARE_WITH_TIMEOUT(terminal.printed().count("broker: connected\n"), 2, PatienceMs);
 }
 
-void DemoTest::passesTypedLinesOn()
+void TestDemo::passesTypedLinesOn()
 {
     Terminal terminal;
     QVERIFY(start(terminal, { "--scenario", "grouped" }));
@@ -341,7 +341,7 @@ void DemoTest::passesTypedLinesOn()
     QVERIFY(terminal.waitFor("demo: a line typed here goes to the simulated appliance"));
 }
 
-void DemoTest::leavesTheMachinesPanelAsItWas()
+void TestDemo::leavesTheMachinesPanelAsItWas()
 {
     const Panel panel(QStringLiteral("own"));
     const QString directory = QStringLiteral("/sys/class/backlight/own/");
@@ -364,7 +364,7 @@ void DemoTest::leavesTheMachinesPanelAsItWas()
     }
 }
 
-void DemoTest::playsAFileOfTheCallersDirectory()
+void TestDemo::playsAFileOfTheCallersDirectory()
 {
     const QTemporaryDir directory;
     QFile file(directory.filePath("mine.json"));
@@ -379,7 +379,7 @@ void DemoTest::playsAFileOfTheCallersDirectory()
     QVERIFY(terminal.waitFor("playing: Hugo2X: Going Up? /"));
 }
 
-void DemoTest::endsWithItsStatus_data()
+void TestDemo::endsWithItsStatus_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("status");
@@ -398,7 +398,7 @@ void DemoTest::endsWithItsStatus_data()
     row("unknown scenario", { "--scenario", "nonsense" }, 2, "expected a file or one of");
 }
 
-void DemoTest::endsWithItsStatus()
+void TestDemo::endsWithItsStatus()
 {
     QFETCH(QStringList, arguments);
     QFETCH(int, status);
@@ -410,5 +410,5 @@ void DemoTest::endsWithItsStatus()
     QVERIFY2(terminal.printed().contains(text), terminal.printed().constData());
 }
 
-QTEST_GUILESS_MAIN(DemoTest)
+QTEST_GUILESS_MAIN(TestDemo)
 #include "tst_demo.moc"

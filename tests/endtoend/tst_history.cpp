@@ -80,7 +80,7 @@ QString listed(const History &history)
 
 } // namespace
 
-class HistoryTest : public QObject {
+class TestHistory : public QObject {
     Q_OBJECT
 
 private slots:
@@ -106,7 +106,7 @@ private:
     QStringList m_explained; ///< differences for which a shortest history has been shown
 };
 
-void HistoryTest::initTestCase()
+void TestHistory::initTestCase()
 {
     using Behaviour = ImageServer::Behaviour;
     const auto behave
@@ -140,13 +140,13 @@ void HistoryTest::initTestCase()
     QVERIFY(m_services.flush());
 }
 
-QByteArrayList HistoryTest::coreAddresses() const
+QByteArrayList TestHistory::coreAddresses() const
 {
     return { m_images.address(), m_movedImages.address(), m_images.address(), "127.0.0.1:9", "",
         "no address" };
 }
 
-PanelKind HistoryTest::panelOf(quint32 seed)
+PanelKind TestHistory::panelOf(quint32 seed)
 {
     static const QStringList names { "800x480", "1280x800", "480x800-turned-90" };
     const QVector<PanelKind> kinds = panelKinds();
@@ -155,7 +155,7 @@ PanelKind HistoryTest::panelOf(quint32 seed)
     });
 }
 
-void HistoryTest::aShortestHistoryHasNoNeedlessStep()
+void TestHistory::aShortestHistoryHasNoNeedlessStep()
 {
     // Fails with the message "3" after the message "17".
     const auto fails = [](const History &history) {
@@ -177,7 +177,7 @@ void HistoryTest::aShortestHistoryHasNoNeedlessStep()
     }
 }
 
-void HistoryTest::aSeedAlwaysGivesTheSameHistory()
+void TestHistory::aSeedAlwaysGivesTheSameHistory()
 {
     const QByteArrayList addresses { "one", "two" };
     QCOMPARE(listed(HistoryGenerator(7, addresses).history()),
@@ -186,7 +186,7 @@ void HistoryTest::aSeedAlwaysGivesTheSameHistory()
         != listed(HistoryGenerator(8, addresses).history()));
 }
 
-void HistoryTest::anotherValueIsNoticed_data()
+void TestHistory::anotherValueIsNoticed_data()
 {
     QTest::addColumn<QString>("topic");
     QTest::addColumn<QByteArray>("payload");
@@ -207,7 +207,7 @@ void HistoryTest::anotherValueIsNoticed_data()
                            << "zone chooser: ";
 }
 
-void HistoryTest::anotherValueIsNoticed()
+void TestHistory::anotherValueIsNoticed()
 {
     QFETCH(const QString, topic);
     QFETCH(const QByteArray, payload);
@@ -232,14 +232,14 @@ void HistoryTest::anotherValueIsNoticed()
     QVERIFY2(noticed == !where.isEmpty(), qPrintable(listed(found)));
 }
 
-void HistoryTest::historyLeavesNoTrace_data()
+void TestHistory::historyLeavesNoTrace_data()
 {
     QTest::addColumn<int>("seed");
     for (int seed = firstSeed; seed < firstSeed + seeds; ++seed)
         QTest::addRow("seed %d", seed) << seed;
 }
 
-void HistoryTest::historyLeavesNoTrace()
+void TestHistory::historyLeavesNoTrace()
 {
     QFETCH(const int, seed);
     const auto number = static_cast<quint32>(seed);
@@ -256,7 +256,7 @@ void HistoryTest::historyLeavesNoTrace()
 }
 
 /** Prints the shortest history for the first of the differences that is not known yet. */
-void HistoryTest::explain(
+void TestHistory::explain(
     const Trial &trial, const History &history, const QVector<Difference> &found)
 {
     const auto unknown = std::find_if(found.begin(), found.end(),
@@ -298,7 +298,7 @@ int main(int argc, char *argv[])
     parser.process(application);
     seeds = parser.value("seeds").toInt();
     firstSeed = parser.value("first").toInt();
-    HistoryTest test;
+    TestHistory test;
     return QTest::qExec(&test, { QCoreApplication::arguments().first() });
 }
 

@@ -5,7 +5,7 @@
 #include <QTest>
 
 /** Where nothing moves nothing is drawn: the appliance's processor belongs to the music. */
-class IdleTest : public QObject {
+class TestIdle : public QObject {
     Q_OBJECT
 
 private slots:
@@ -30,7 +30,7 @@ private:
     Appliance m_appliance;
 };
 
-void IdleTest::initTestCase()
+void TestIdle::initTestCase()
 {
     QVERIFY(m_appliance.start());
     m_appliance.publishZone("nowPlaying/song", "Song");
@@ -39,13 +39,13 @@ void IdleTest::initTestCase()
     QVERIFY(m_appliance.handled());
 }
 
-void IdleTest::aPausedZoneDrawsNothing()
+void TestIdle::aPausedZoneDrawsNothing()
 {
     QVERIFY(comesToRest());
     QCOMPARE(framesInFiveSeconds(), 0);
 }
 
-void IdleTest::aTextThatFitsDrawsNothing()
+void TestIdle::aTextThatFitsDrawsNothing()
 {
     // Long enough to scroll, then short enough to stand.
     m_appliance.publishZone("nowPlaying/song", QByteArray(200, 'x'));
@@ -58,7 +58,7 @@ void IdleTest::aTextThatFitsDrawsNothing()
     QCOMPARE(framesInFiveSeconds(), 0);
 }
 
-void IdleTest::messagesWithoutNewsDrawNothing()
+void TestIdle::messagesWithoutNewsDrawNothing()
 {
     QVERIFY(comesToRest());
     m_appliance.program.probe().frames();
@@ -72,7 +72,7 @@ void IdleTest::messagesWithoutNewsDrawNothing()
     QCOMPARE(m_appliance.program.probe().frames(), 0);
 }
 
-void IdleTest::theClockDrawsOnceAMinute()
+void TestIdle::theClockDrawsOnceAMinute()
 {
     m_appliance.sendCommand(R"({"command":"toggle_standby"})");
     QVERIFY(m_appliance.waitForPage("Clock"));
@@ -80,7 +80,7 @@ void IdleTest::theClockDrawsOnceAMinute()
     QVERIFY(framesInFiveSeconds() <= 1); // the minute may end just now
 }
 
-void IdleTest::theScreenSaverDrawsNothing()
+void TestIdle::theScreenSaverDrawsNothing()
 {
     m_appliance.sendCommand(R"({"command":"toggle_standby"})");
     QVERIFY(m_appliance.waitForPage("ScreenSaver"));
@@ -88,7 +88,7 @@ void IdleTest::theScreenSaverDrawsNothing()
     QCOMPARE(framesInFiveSeconds(), 0);
 }
 
-void IdleTest::theConnectionFailureDrawsNothing()
+void TestIdle::theConnectionFailureDrawsNothing()
 {
     m_appliance.publishCore("coreDetected", "false");
     m_appliance.sendCommand(R"({"command":"toggle_standby"})");
@@ -97,7 +97,7 @@ void IdleTest::theConnectionFailureDrawsNothing()
     QCOMPARE(framesInFiveSeconds(), 0);
 }
 
-int IdleTest::framesInFiveSeconds()
+int TestIdle::framesInFiveSeconds()
 {
     Probe &probe = m_appliance.program.probe();
     probe.frames();
@@ -106,7 +106,7 @@ int IdleTest::framesInFiveSeconds()
     return probe.frames();
 }
 
-bool IdleTest::comesToRest()
+bool TestIdle::comesToRest()
 {
     Probe &probe = m_appliance.program.probe();
     probe.frames();
@@ -119,7 +119,7 @@ bool IdleTest::comesToRest()
     return false;
 }
 
-bool IdleTest::waitForPing()
+bool TestIdle::waitForPing()
 {
     // A message in between keeps the run of equal lines short: a long one would be cut.
     return m_appliance.handled()
@@ -127,5 +127,5 @@ bool IdleTest::waitForPing()
             Line::debug("SystemdWatchdog::WorkerThread::PING"), m_appliance.program.logSize());
 }
 
-QTEST_GUILESS_MAIN(IdleTest)
+QTEST_GUILESS_MAIN(TestIdle)
 #include "tst_idle.moc"

@@ -35,7 +35,7 @@ QRegularExpression received(const QString &topic, int qos, bool retain, int leng
 
 /** The program and its broker: connection, what it says on its own, and what it makes of any input.
  */
-class MessagingTest : public QObject {
+class TestMessaging : public QObject {
     Q_OBJECT
 
 private slots:
@@ -52,7 +52,7 @@ private slots:
     void randomMessagesDoNoHarm();
 };
 
-void MessagingTest::subscribesInOrderAndAnnouncesTheZone()
+void TestMessaging::subscribesInOrderAndAnnouncesTheZone()
 {
     const QStringList filters { QStringLiteral("Velunor/Settings/v2/#"),
         QStringLiteral("Velunor/State/v1/#"), RemoteControl + QStringLiteral("roon/Roon/#"),
@@ -86,7 +86,7 @@ void MessagingTest::subscribesInOrderAndAnnouncesTheZone()
     QCOMPARE(subscriptions, filters);
 }
 
-void MessagingTest::announcesTheWantedZone_data()
+void TestMessaging::announcesTheWantedZone_data()
 {
     QTest::addColumn<QString>("variable");
     QTest::addColumn<QByteArray>("zone");
@@ -97,7 +97,7 @@ void MessagingTest::announcesTheWantedZone_data()
                                             "che \xe4\xb8\xad");
 }
 
-void MessagingTest::announcesTheWantedZone()
+void TestMessaging::announcesTheWantedZone()
 {
     QFETCH(QString, variable);
     QFETCH(QByteArray, zone);
@@ -115,7 +115,7 @@ void MessagingTest::announcesTheWantedZone()
     QVERIFY(late.messages().first().retained);
 }
 
-void MessagingTest::whatWasPublishedBeforeTheConnectionIsLost()
+void TestMessaging::whatWasPublishedBeforeTheConnectionIsLost()
 {
     Broker broker;
     QVERIFY(broker.start());
@@ -139,7 +139,7 @@ void MessagingTest::whatWasPublishedBeforeTheConnectionIsLost()
     QVERIFY(broker.waitForLine(received(BrightnessTopic, 1, true, 3)));
 }
 
-void MessagingTest::retainedStateIsTakenOver()
+void TestMessaging::retainedStateIsTakenOver()
 {
     Broker broker;
     QVERIFY(broker.start());
@@ -164,7 +164,7 @@ void MessagingTest::retainedStateIsTakenOver()
         QJsonValue(QStringLiteral("Hugo2X")));
 }
 
-void MessagingTest::withoutBrokerItRunsAndStaysDisconnected()
+void TestMessaging::withoutBrokerItRunsAndStaysDisconnected()
 {
     Program program;
     QVERIFY(program.startAndWait());
@@ -189,14 +189,14 @@ void MessagingTest::withoutBrokerItRunsAndStaysDisconnected()
     QVERIFY(program.stop());
 }
 
-void MessagingTest::aLostBrokerIsNotSoughtAgain_data()
+void TestMessaging::aLostBrokerIsNotSoughtAgain_data()
 {
     QTest::addColumn<bool>("killed");
     QTest::newRow("stopped") << false;
     QTest::newRow("killed") << true;
 }
 
-void MessagingTest::aLostBrokerIsNotSoughtAgain()
+void TestMessaging::aLostBrokerIsNotSoughtAgain()
 {
     QFETCH(bool, killed);
     Broker broker;
@@ -224,7 +224,7 @@ void MessagingTest::aLostBrokerIsNotSoughtAgain()
     QVERIFY(program.stop());
 }
 
-void MessagingTest::oddInputGetsItsLogLine_data()
+void TestMessaging::oddInputGetsItsLogLine_data()
 {
     QTest::addColumn<QString>("topic");
     QTest::addColumn<QByteArray>("payload");
@@ -367,7 +367,7 @@ void MessagingTest::oddInputGetsItsLogLine_data()
         << zone(QStringLiteral("n7"), { QStringLiteral("DEBUG RoonZone::setOutputs() []") });
 }
 
-void MessagingTest::oddInputGetsItsLogLine()
+void TestMessaging::oddInputGetsItsLogLine()
 {
     QFETCH(QString, topic);
     QFETCH(QByteArray, payload);
@@ -401,7 +401,7 @@ void MessagingTest::oddInputGetsItsLogLine()
     QCOMPARE(logged, lines);
 }
 
-void MessagingTest::randomMessagesDoNoHarm()
+void TestMessaging::randomMessagesDoNoHarm()
 {
     Broker broker;
     QVERIFY(broker.start());
@@ -446,5 +446,5 @@ void MessagingTest::randomMessagesDoNoHarm()
     QVERIFY(program.stop());
 }
 
-QTEST_GUILESS_MAIN(MessagingTest)
+QTEST_GUILESS_MAIN(TestMessaging)
 #include "tst_messaging.moc"

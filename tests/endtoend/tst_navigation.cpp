@@ -95,7 +95,7 @@ using Walk = QList<Step>;
 Q_DECLARE_METATYPE(Walk)
 
 /** The walks through the screens, driven by messages and touches. */
-class NavigationTest : public QObject {
+class TestNavigation : public QObject {
     Q_OBJECT
 
 private slots:
@@ -105,7 +105,7 @@ private slots:
     void walks();
 };
 
-void NavigationTest::welcomeLeadsOn_data()
+void TestNavigation::welcomeLeadsOn_data()
 {
     QTest::addColumn<QByteArray>("detected");
     QTest::addColumn<QByteArray>("zones");
@@ -115,7 +115,7 @@ void NavigationTest::welcomeLeadsOn_data()
     QTest::newRow("no zone") << QByteArray("true") << BathOnly << NotFound;
 }
 
-void NavigationTest::welcomeLeadsOn()
+void TestNavigation::welcomeLeadsOn()
 {
     QFETCH(QByteArray, detected);
     QFETCH(QByteArray, zones);
@@ -131,7 +131,7 @@ void NavigationTest::welcomeLeadsOn()
     QVERIFY(appliance.program.stop());
 }
 
-void NavigationTest::walks_data()
+void TestNavigation::walks_data()
 {
     QTest::addColumn<Walk>("walk");
 
@@ -199,7 +199,7 @@ void NavigationTest::walks_data()
         { core("false"), Update, { "true", "false", "true", "false" } } };
 }
 
-void NavigationTest::walks()
+void TestNavigation::walks()
 {
     QFETCH(Walk, walk);
     Appliance appliance;
@@ -222,5 +222,5 @@ void NavigationTest::walks()
     QVERIFY(appliance.program.stop());
 }
 
-QTEST_GUILESS_MAIN(NavigationTest)
+QTEST_GUILESS_MAIN(TestNavigation)
 #include "tst_navigation.moc"

@@ -26,7 +26,7 @@ using Moment = std::function<bool(Appliance &)>;
 Q_DECLARE_METATYPE(Moment)
 
 /** Pages that come and go, with what lies on them. */
-class PagesTest : public QObject {
+class TestPages : public QObject {
     Q_OBJECT
 
 private slots:
@@ -39,14 +39,14 @@ private slots:
     void anythingMayHappenAtAnyMoment();
 };
 
-void PagesTest::pagesShowWithoutComplaint_data()
+void TestPages::pagesShowWithoutComplaint_data()
 {
     QTest::addColumn<bool>("onDisplay");
     QTest::newRow("offscreen") << false;
     QTest::newRow("display with OpenGL") << true;
 }
 
-void PagesTest::pagesShowWithoutComplaint()
+void TestPages::pagesShowWithoutComplaint()
 {
     QFETCH(bool, onDisplay);
     Display display;
@@ -111,7 +111,7 @@ void PagesTest::pagesShowWithoutComplaint()
     QVERIFY(appliance.program.isQuiet());
 }
 
-void PagesTest::popupsGoWithTheirPage_data()
+void TestPages::popupsGoWithTheirPage_data()
 {
     QTest::addColumn<QString>("opener");
     QTest::addColumn<QString>("content");
@@ -119,7 +119,7 @@ void PagesTest::popupsGoWithTheirPage_data()
     QTest::newRow("zone chooser") << QString("zoneNameText") << QString("zoneList");
 }
 
-void PagesTest::popupsGoWithTheirPage()
+void TestPages::popupsGoWithTheirPage()
 {
     QFETCH(QString, opener);
     QFETCH(QString, content);
@@ -149,7 +149,7 @@ void PagesTest::popupsGoWithTheirPage()
     QVERIFY(appliance.program.stop());
 }
 
-void PagesTest::pageSwitchAndEndFindAnything_data()
+void TestPages::pageSwitchAndEndFindAnything_data()
 {
     QTest::addColumn<Moment>("moment");
     const auto drag = [](Appliance &appliance, const Probe::Target &item) {
@@ -211,7 +211,7 @@ void PagesTest::pageSwitchAndEndFindAnything_data()
         [](Appliance &appliance) { return appliance.program.probe().tap("settingsCorner"); });
 }
 
-void PagesTest::pageSwitchAndEndFindAnything()
+void TestPages::pageSwitchAndEndFindAnything()
 {
     QFETCH(Moment, moment);
     Appliance appliance;
@@ -252,7 +252,7 @@ void PagesTest::pageSwitchAndEndFindAnything()
         QString("INFO  Left main event loop with exit code 0"));
 }
 
-void PagesTest::anythingMayHappenAtAnyMoment()
+void TestPages::anythingMayHappenAtAnyMoment()
 {
     Appliance appliance;
     QVERIFY(appliance.start());
@@ -291,5 +291,5 @@ void PagesTest::anythingMayHappenAtAnyMoment()
     QVERIFY(appliance.program.stop());
 }
 
-QTEST_GUILESS_MAIN(PagesTest)
+QTEST_GUILESS_MAIN(TestPages)
 #include "tst_pages.moc"

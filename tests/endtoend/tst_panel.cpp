@@ -47,7 +47,7 @@ Q_DECLARE_METATYPE(Environment)
 
 /** The display hardware: geometry from the environment, brightness and power to the panel, settings
  * on disk. */
-class PanelTest : public QObject {
+class TestPanel : public QObject {
     Q_OBJECT
 
 private slots:
@@ -65,12 +65,12 @@ private slots:
     void settingsPageShowsSavesAndCancels();
 };
 
-void PanelTest::cleanup()
+void TestPanel::cleanup()
 {
     QFile::remove(SettingsFile);
 }
 
-void PanelTest::environmentIsRead_data()
+void TestPanel::environmentIsRead_data()
 {
     QTest::addColumn<Environment>("environment");
     QTest::addColumn<QStringList>("expected"); // type, swapped, rotated, rotation, width, height
@@ -102,7 +102,7 @@ void PanelTest::environmentIsRead_data()
         { "DISPLAY2_7INCH", "false", "false", "0", "800", "480" }, none, narrow);
 }
 
-void PanelTest::environmentIsRead()
+void TestPanel::environmentIsRead()
 {
     QFETCH(Environment, environment);
     QFETCH(QStringList, expected);
@@ -133,7 +133,7 @@ void PanelTest::environmentIsRead()
     QCOMPARE(probe.objectProperty(display, "height").toInt(), expected.at(5).toInt());
 }
 
-void PanelTest::brightnessComesFromTheSettingsFile()
+void TestPanel::brightnessComesFromTheSettingsFile()
 {
     QVERIFY(writeSettings("[LCD]\nBrightness=80\nClockBrightness=20\n"));
     const Panel panel;
@@ -143,7 +143,7 @@ void PanelTest::brightnessComesFromTheSettingsFile()
     QCOMPARE(panel.power(), QByteArray("0"));
 }
 
-void PanelTest::damagedSettingsFileGivesDefaults_data()
+void TestPanel::damagedSettingsFileGivesDefaults_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::newRow("empty") << QByteArray();
@@ -153,7 +153,7 @@ void PanelTest::damagedSettingsFileGivesDefaults_data()
         14);
 }
 
-void PanelTest::damagedSettingsFileGivesDefaults()
+void TestPanel::damagedSettingsFileGivesDefaults()
 {
     QFETCH(QByteArray, text);
     QVERIFY(writeSettings(text));
@@ -164,7 +164,7 @@ void PanelTest::damagedSettingsFileGivesDefaults()
     QVERIFY(program.stop());
 }
 
-void PanelTest::missingPanelIsLogged()
+void TestPanel::missingPanelIsLogged()
 {
     Program program;
     QVERIFY(program.startAndWait());
@@ -173,7 +173,7 @@ void PanelTest::missingPanelIsLogged()
     QVERIFY(program.stop());
 }
 
-void PanelTest::unwritablePanelIsLoggedAndReported()
+void TestPanel::unwritablePanelIsLoggedAndReported()
 {
     Appliance appliance;
     appliance.panel.makeUnwritable();
@@ -187,7 +187,7 @@ void PanelTest::unwritablePanelIsLoggedAndReported()
     QVERIFY(appliance.services.waitFor(BrightnessTopic, "150"));
 }
 
-void PanelTest::onlyOnePanelIsWritten()
+void TestPanel::onlyOnePanelIsWritten()
 {
     const Panel one("panel1");
     const Panel two("panel2");
@@ -201,7 +201,7 @@ void PanelTest::onlyOnePanelIsWritten()
     QCOMPARE(one.power() + two.power(), QByteArray("0"));
 }
 
-void PanelTest::brightnessAndPowerFollowTheScreen()
+void TestPanel::brightnessAndPowerFollowTheScreen()
 {
     QVERIFY(writeSettings("[LCD]\nBrightness=80\nClockBrightness=20\n"));
     Appliance appliance;
@@ -234,7 +234,7 @@ void PanelTest::brightnessAndPowerFollowTheScreen()
     QVERIFY(appliance.program.stop());
 }
 
-void PanelTest::settingsPageShowsSavesAndCancels()
+void TestPanel::settingsPageShowsSavesAndCancels()
 {
     QVERIFY(writeSettings("[LCD]\nBrightness=80\nClockBrightness=20\nDefaultPlayerScreen=11\n"));
     Appliance appliance;
@@ -282,5 +282,5 @@ void PanelTest::settingsPageShowsSavesAndCancels()
     QVERIFY(appliance.program.stop());
 }
 
-QTEST_GUILESS_MAIN(PanelTest)
+QTEST_GUILESS_MAIN(TestPanel)
 #include "tst_panel.moc"

@@ -32,7 +32,7 @@ using ZoneValues = QList<QPair<QString, QByteArray>>;
 Q_DECLARE_METATYPE(ZoneValues)
 
 /** The player page, from broker message to what is shown, and from touch to command. */
-class PlayingTest : public QObject {
+class TestPlaying : public QObject {
     Q_OBJECT
 
 private slots:
@@ -100,12 +100,12 @@ private:
     int m_firstLine = 0;
 };
 
-void PlayingTest::initTestCase()
+void TestPlaying::initTestCase()
 {
     QVERIFY(m_appliance.start());
 }
 
-void PlayingTest::init()
+void TestPlaying::init()
 {
     // The state from which each test starts: the zone as it is, and no other.
     m_appliance.publishZones(R"([{"id":"z1","name":"Kitchen"}])");
@@ -125,7 +125,7 @@ void PlayingTest::init()
     m_firstLine = m_appliance.program.logSize();
 }
 
-void PlayingTest::cleanup()
+void TestPlaying::cleanup()
 {
     QVERIFY(m_appliance.program.isRunning());
     for (const LogLine &line : m_appliance.program.log().mid(m_firstLine)) {
@@ -135,7 +135,7 @@ void PlayingTest::cleanup()
     m_appliance.program.printLogOnFailure(m_firstLine);
 }
 
-void PlayingTest::textsFollowTheZone()
+void TestPlaying::textsFollowTheZone()
 {
     QVERIFY(
         zoneIs({ { "nowPlaying/song",
@@ -153,7 +153,7 @@ void PlayingTest::textsFollowTheZone()
     QCOMPARE(probe().property(label, "textFormat"), QJsonValue(Qt::PlainText));
 }
 
-void PlayingTest::longTextsAreShortenedWhenTheyMayNotScroll()
+void TestPlaying::longTextsAreShortenedWhenTheyMayNotScroll()
 {
     const QString text = "1234567890123456789012345678901234567890";
     QVERIFY(zoneIs({ { "nowPlaying/song", text.toUtf8() }, { "nowPlaying/artist", text.toUtf8() },
@@ -169,7 +169,7 @@ void PlayingTest::longTextsAreShortenedWhenTheyMayNotScroll()
     QCOMPARE(probe().property("album", "text"), QJsonValue(text));
 }
 
-void PlayingTest::timesAndProgressFollowTheZone()
+void TestPlaying::timesAndProgressFollowTheZone()
 {
     QVERIFY(zoneIs({ { "nowPlaying/length", "3725" }, { "nowPlaying/seekPosition", "1005" } }));
     QCOMPARE(probe().property("seekPosition", "text"), QJsonValue("16:45"));
@@ -184,7 +184,7 @@ void PlayingTest::timesAndProgressFollowTheZone()
     QVERIFY(probe().area("progressFill").width() == 0);
 }
 
-void PlayingTest::middleButtonFollowsTheState_data()
+void TestPlaying::middleButtonFollowsTheState_data()
 {
     QTest::addColumn<ZoneValues>("values");
     QTest::addColumn<QString>("icon"); // empty: hidden
@@ -200,7 +200,7 @@ void PlayingTest::middleButtonFollowsTheState_data()
     QTest::newRow("nothing allowed") << ZoneValues { { "is_pause_allowed", "false" } } << QString();
 }
 
-void PlayingTest::middleButtonFollowsTheState()
+void TestPlaying::middleButtonFollowsTheState()
 {
     QFETCH(ZoneValues, values);
     QFETCH(QString, icon);
@@ -211,7 +211,7 @@ void PlayingTest::middleButtonFollowsTheState()
         QCOMPARE(iconOf("playPause", TransportIcons), "icons/" + icon);
 }
 
-void PlayingTest::optionIconsFollowTheZone()
+void TestPlaying::optionIconsFollowTheZone()
 {
     const QString radioOff = "icons/ic_radio_white_48dp.png";
     const QString radioOn = "icons/ic_radio_blue_48dp.png";
@@ -236,7 +236,7 @@ void PlayingTest::optionIconsFollowTheZone()
     QVERIFY(isBlank(probe().picture(), one));
 }
 
-void PlayingTest::nothingPlayingShowsTheLogo()
+void TestPlaying::nothingPlayingShowsTheLogo()
 {
     const QRectF position = probe().area("seekPosition");
     const QRectF bar = probe().area("progressBar");
@@ -256,7 +256,7 @@ void PlayingTest::nothingPlayingShowsTheLogo()
     QVERIFY(isBlank(after, bar));
 }
 
-void PlayingTest::touchesBecomeCommands_data()
+void TestPlaying::touchesBecomeCommands_data()
 {
     QTest::addColumn<ZoneValues>("values");
     QTest::addColumn<QString>("item");
@@ -291,7 +291,7 @@ void PlayingTest::touchesBecomeCommands_data()
     loop("none after no mode", "", "disabled");
 }
 
-void PlayingTest::touchesBecomeCommands()
+void TestPlaying::touchesBecomeCommands()
 {
     QFETCH(ZoneValues, values);
     QFETCH(QString, item);
@@ -305,7 +305,7 @@ void PlayingTest::touchesBecomeCommands()
                                                                   .arg(command.size()))));
 }
 
-void PlayingTest::commandsAreLoggedAsTheyComeBack()
+void TestPlaying::commandsAreLoggedAsTheyComeBack()
 {
     QVERIFY(probe().tap("next"));
     QVERIFY(m_appliance.program.waitForLine(
@@ -316,7 +316,7 @@ void PlayingTest::commandsAreLoggedAsTheyComeBack()
         Line::warning("Mqtt::processMessageApi() ignore unsupported command: next"), m_firstLine));
 }
 
-void PlayingTest::twoQuickTouchesSendTheSameTwice()
+void TestPlaying::twoQuickTouchesSendTheSameTwice()
 {
     QVERIFY(probe().tap("shuffle"));
     QVERIFY(probe().tap("shuffle"));
@@ -325,7 +325,7 @@ void PlayingTest::twoQuickTouchesSendTheSameTwice()
         m_appliance.commands(), QList<QByteArray>({ command, command }), PatienceMs);
 }
 
-void PlayingTest::hiddenIconsAnswerTouches()
+void TestPlaying::hiddenIconsAnswerTouches()
 {
     m_appliance.publishSetting("touchscreen_hide_option_buttons", "true");
     QVERIFY(zoneIs({ { "is_next_allowed", "false" } }));
@@ -341,7 +341,7 @@ void PlayingTest::hiddenIconsAnswerTouches()
     QVERIFY(m_appliance.handled());
 }
 
-void PlayingTest::volumeDialogSendsSteps()
+void TestPlaying::volumeDialogSendsSteps()
 {
     QVERIFY(zoneIs({ { "volume/step", "0.5" }, { "volume/value", "40.5" } }));
     QCOMPARE(probe().property("volumeText", "text"), QJsonValue("40.5"));
@@ -360,7 +360,7 @@ void PlayingTest::volumeDialogSendsSteps()
     QVERIFY(closeVolumeDialog());
 }
 
-void PlayingTest::volumeSliderSendsAValueOnce()
+void TestPlaying::volumeSliderSendsAValueOnce()
 {
     QVERIFY(openVolumeDialog());
     const QRectF slider = probe().area("volumeSlider");
@@ -390,7 +390,7 @@ void PlayingTest::volumeSliderSendsAValueOnce()
     QVERIFY(closeVolumeDialog());
 }
 
-void PlayingTest::volumeSliderKeepsToItsRange_data()
+void TestPlaying::volumeSliderKeepsToItsRange_data()
 {
     QTest::addColumn<QByteArray>("lowest");
     QTest::addColumn<QByteArray>("softLimit");
@@ -411,7 +411,7 @@ void PlayingTest::volumeSliderKeepsToItsRange_data()
     row("no step", "0", "60.5", "0", "0.0", "60.5");
 }
 
-void PlayingTest::volumeSliderKeepsToItsRange()
+void TestPlaying::volumeSliderKeepsToItsRange()
 {
     QFETCH(QByteArray, lowest);
     QFETCH(QByteArray, softLimit);
@@ -438,7 +438,7 @@ void PlayingTest::volumeSliderKeepsToItsRange()
     QVERIFY(closeVolumeDialog());
 }
 
-void PlayingTest::volumeSliderWithoutARangeSendsNothing_data()
+void TestPlaying::volumeSliderWithoutARangeSendsNothing_data()
 {
     QTest::addColumn<ZoneValues>("values"); // of a zone of which no more than its volume is known
     const auto row
@@ -453,7 +453,7 @@ void PlayingTest::volumeSliderWithoutARangeSendsNothing_data()
     row("empty", { { "volume/hard_limit_min", "" }, { "volume/soft_limit", "" } });
 }
 
-void PlayingTest::volumeSliderWithoutARangeSendsNothing()
+void TestPlaying::volumeSliderWithoutARangeSendsNothing()
 {
     QFETCH(ZoneValues, values);
     QVERIFY(otherZoneIs("Cellar",
@@ -486,7 +486,7 @@ void PlayingTest::volumeSliderWithoutARangeSendsNothing()
     QVERIFY(closeVolumeDialog());
 }
 
-void PlayingTest::volumeHandleStaysWhereItWasPut()
+void TestPlaying::volumeHandleStaysWhereItWasPut()
 {
     const auto handleIsAt = [this](const QPointF &place) {
         const QPointF handle = probe().centre(Probe::Target("handle").inside("volumeSlider"));
@@ -518,7 +518,7 @@ void PlayingTest::volumeHandleStaysWhereItWasPut()
     QVERIFY(closeVolumeDialog());
 }
 
-void PlayingTest::volumeDragEndsWithItsZone_data()
+void TestPlaying::volumeDragEndsWithItsZone_data()
 {
     QTest::addColumn<QString>("wanted");
     QTest::addColumn<QByteArray>("zones"); // the list that comes under the finger
@@ -536,7 +536,7 @@ void PlayingTest::volumeDragEndsWithItsZone_data()
     QTest::newRow("listed anew under the same name") << "Kitchen" << anew << false;
 }
 
-void PlayingTest::volumeDragEndsWithItsZone()
+void TestPlaying::volumeDragEndsWithItsZone()
 {
     QFETCH(QString, wanted);
     QFETCH(QByteArray, zones);
@@ -583,7 +583,7 @@ void PlayingTest::volumeDragEndsWithItsZone()
     QVERIFY(closeVolumeDialog());
 }
 
-void PlayingTest::volumeRangeIsNotLentToAnotherZone_data()
+void TestPlaying::volumeRangeIsNotLentToAnotherZone_data()
 {
     QTest::addColumn<QString>("wanted");
     QTest::addColumn<QByteArray>("zones");
@@ -598,7 +598,7 @@ void PlayingTest::volumeRangeIsNotLentToAnotherZone_data()
         << QByteArray("Cellar");
 }
 
-void PlayingTest::volumeRangeIsNotLentToAnotherZone()
+void TestPlaying::volumeRangeIsNotLentToAnotherZone()
 {
     QFETCH(QString, wanted);
     QFETCH(QByteArray, zones);
@@ -634,14 +634,14 @@ void PlayingTest::volumeRangeIsNotLentToAnotherZone()
     QVERIFY(closeVolumeDialog());
 }
 
-void PlayingTest::volumeStepEndsWithItsZone_data()
+void TestPlaying::volumeStepEndsWithItsZone_data()
 {
     QTest::addColumn<QString>("icon");
     QTest::newRow("up") << "volumeUp";
     QTest::newRow("down") << "volumeDown";
 }
 
-void PlayingTest::volumeStepEndsWithItsZone()
+void TestPlaying::volumeStepEndsWithItsZone()
 {
     QFETCH(QString, icon);
     QVERIFY(openVolumeDialog());
@@ -659,7 +659,7 @@ void PlayingTest::volumeStepEndsWithItsZone()
     QVERIFY(closeVolumeDialog());
 }
 
-void PlayingTest::volumeDragOutlivesNewsOfOtherZones()
+void TestPlaying::volumeDragOutlivesNewsOfOtherZones()
 {
     QVERIFY(openVolumeDialog());
     QVERIFY(probe().press(sliderPlace(0.5)));
@@ -675,7 +675,7 @@ void PlayingTest::volumeDragOutlivesNewsOfOtherZones()
     QVERIFY(closeVolumeDialog());
 }
 
-void PlayingTest::volumeDialogGoesWithTheVolume()
+void TestPlaying::volumeDialogGoesWithTheVolume()
 {
     QVERIFY(openVolumeDialog());
     const QPointF from = sliderPlace(0.5);
@@ -698,7 +698,7 @@ void PlayingTest::volumeDialogGoesWithTheVolume()
     QVERIFY(closeVolumeDialog());
 }
 
-void PlayingTest::volumeDialogClosesBesideATouch()
+void TestPlaying::volumeDialogClosesBesideATouch()
 {
     QVERIFY(openVolumeDialog());
     QVERIFY(probe().tap("cover")); // lies under the dialog's rim: the touch only closes it
@@ -707,7 +707,7 @@ void PlayingTest::volumeDialogClosesBesideATouch()
     QVERIFY(probe().shows("RoonPlayerWindow2"));
 }
 
-void PlayingTest::aZoneIsChosenFromTheList()
+void TestPlaying::aZoneIsChosenFromTheList()
 {
     m_appliance.publishZones(R"([{"id":"z2","name":"Wohnk)"
                              "\xc3\xbc"
@@ -738,7 +738,7 @@ void PlayingTest::aZoneIsChosenFromTheList()
     QTRY_VERIFY_WITH_TIMEOUT(!probe().shows("zoneList"), PatienceMs);
 }
 
-void PlayingTest::anUpdateIsAskedForAtTheWebService()
+void TestPlaying::anUpdateIsAskedForAtTheWebService()
 {
     ApiServer webService;
     QVERIFY(webService.start());
@@ -763,7 +763,7 @@ void PlayingTest::anUpdateIsAskedForAtTheWebService()
     QVERIFY(!probe().shows("updateBadge"));
 }
 
-void PlayingTest::aMissingWebServiceIsLogged()
+void TestPlaying::aMissingWebServiceIsLogged()
 {
     m_appliance.publishState("UpdateAvailable", "true");
     QVERIFY(m_appliance.handled());
@@ -776,7 +776,7 @@ void PlayingTest::aMissingWebServiceIsLogged()
     QVERIFY(m_appliance.handled());
 }
 
-bool PlayingTest::zoneIs(const ZoneValues &values)
+bool TestPlaying::zoneIs(const ZoneValues &values)
 {
     for (const auto &value : values)
         m_appliance.publishZone(value.first, value.second);
@@ -812,24 +812,24 @@ bool PlayingTest::otherZoneIs(const QByteArray &name, const ZoneValues &values)
     return m_appliance.handled();
 }
 
-bool PlayingTest::onlyCommandIs(const QByteArray &command)
+bool TestPlaying::onlyCommandIs(const QByteArray &command)
 {
     return m_appliance.services.waitFor(CommandTopic, command) && m_appliance.handled()
         && m_appliance.commands() == QList<QByteArray> { command };
 }
 
-bool PlayingTest::openVolumeDialog()
+bool TestPlaying::openVolumeDialog()
 {
     return probe().tap("volumeBox") && waitUntil([this] { return probe().shows("volumeSlider"); });
 }
 
-bool PlayingTest::closeVolumeDialog()
+bool TestPlaying::closeVolumeDialog()
 {
     return probe().tap(QPointF(5, 240))
         && waitUntil([this] { return !probe().shows("volumeSlider"); });
 }
 
-bool PlayingTest::volumeHandleIsShown()
+bool TestPlaying::volumeHandleIsShown()
 {
     const QImage slider = probe().picture().copy(probe().area("volumeSlider").toRect());
     int white = 0;
@@ -840,7 +840,7 @@ bool PlayingTest::volumeHandleIsShown()
     return white > 100;
 }
 
-QPointF PlayingTest::sliderPlace(double part)
+QPointF TestPlaying::sliderPlace(double part)
 {
     constexpr double HandleWidth = 34;
     const QRectF slider = probe().area("volumeSlider");
@@ -848,7 +848,7 @@ QPointF PlayingTest::sliderPlace(double part)
         slider.center().y() };
 }
 
-bool PlayingTest::slide(const QPointF &from, const QPointF &to)
+bool TestPlaying::slide(const QPointF &from, const QPointF &to)
 {
     constexpr int Moves = 10;
     bool done = probe().press(from);
@@ -857,5 +857,5 @@ bool PlayingTest::slide(const QPointF &from, const QPointF &to)
     return done && probe().release(to);
 }
 
-QTEST_GUILESS_MAIN(PlayingTest)
+QTEST_GUILESS_MAIN(TestPlaying)
 #include "tst_playing.moc"

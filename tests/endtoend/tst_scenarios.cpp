@@ -12,7 +12,7 @@
 using namespace PageNames;
 
 /** Every scenario that comes with the simulator, played to the real program. */
-class ScenariosTest : public QObject {
+class TestScenarios : public QObject {
     Q_OBJECT
 
 private slots:
@@ -20,7 +20,7 @@ private slots:
     void bringsTheProgramWhereItShould();
 };
 
-void ScenariosTest::bringsTheProgramWhereItShould_data()
+void TestScenarios::bringsTheProgramWhereItShould_data()
 {
     QTest::addColumn<QString>("speed");     // slow enough for pages to outlast the welcome
     QTest::addColumn<QStringList>("pages"); // one after the other
@@ -48,7 +48,7 @@ void ScenariosTest::bringsTheProgramWhereItShould_data()
         QDir(QStringLiteral(TOUCHUI_CHECKOUT "/scenarios")).entryList(QDir::Files, QDir::Name));
 }
 
-void ScenariosTest::bringsTheProgramWhereItShould()
+void TestScenarios::bringsTheProgramWhereItShould()
 {
     QFETCH(QString, speed);
     QFETCH(QStringList, pages);
@@ -72,5 +72,5 @@ void ScenariosTest::bringsTheProgramWhereItShould()
     QVERIFY(simulator.stop());
 }
 
-QTEST_GUILESS_MAIN(ScenariosTest)
+QTEST_GUILESS_MAIN(TestScenarios)
 #include "tst_scenarios.moc"

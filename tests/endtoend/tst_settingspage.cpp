@@ -43,7 +43,7 @@ bool run(const QString &command)
 } // namespace
 
 /** The settings page by touch, whatever the disk holds or does. */
-class SettingsPageTest : public QObject {
+class TestSettingsPage : public QObject {
     Q_OBJECT
 
 private slots:
@@ -66,7 +66,7 @@ private:
     std::unique_ptr<Appliance> m_appliance;
 };
 
-void SettingsPageTest::cleanup()
+void TestSettingsPage::cleanup()
 {
     if (m_appliance && !m_appliance->program.isQuiet())
         QTest::qFail("Qt or the scene has complained", __FILE__, __LINE__);
@@ -74,7 +74,7 @@ void SettingsPageTest::cleanup()
     QFile::remove(SettingsFile);
 }
 
-void SettingsPageTest::whatIsStoredOpensThePage_data()
+void TestSettingsPage::whatIsStoredOpensThePage_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QByteArray>("applied"); // to the panel, as the program starts
@@ -106,7 +106,7 @@ void SettingsPageTest::whatIsStoredOpensThePage_data()
     row("a long line of nothing", QByteArray(200000, '\0'), "150", 150, 150);
 }
 
-void SettingsPageTest::whatIsStoredOpensThePage()
+void TestSettingsPage::whatIsStoredOpensThePage()
 {
     QFETCH(QByteArray, text);
     QFETCH(QByteArray, applied);
@@ -145,7 +145,7 @@ void SettingsPageTest::whatIsStoredOpensThePage()
     QVERIFY(m_appliance->program.stop());
 }
 
-void SettingsPageTest::aDamagedDiskKeepsNobodyFromThePage_data()
+void TestSettingsPage::aDamagedDiskKeepsNobodyFromThePage_data()
 {
     QTest::addColumn<QString>("breakIt");
     QTest::addColumn<QString>("mendIt");
@@ -162,7 +162,7 @@ void SettingsPageTest::aDamagedDiskKeepsNobodyFromThePage_data()
                                                       << "rmdir /data/velunor-touch.ini" << false;
 }
 
-void SettingsPageTest::aDamagedDiskKeepsNobodyFromThePage()
+void TestSettingsPage::aDamagedDiskKeepsNobodyFromThePage()
 {
     QFETCH(QString, breakIt);
     QFETCH(QString, mendIt);
@@ -194,7 +194,7 @@ void SettingsPageTest::aDamagedDiskKeepsNobodyFromThePage()
     QVERIFY(m_appliance->program.stop());
 }
 
-void SettingsPageTest::inactivityDiscardsAndLeaves()
+void TestSettingsPage::inactivityDiscardsAndLeaves()
 {
     const QByteArray text = "[LCD]\nBrightness=80\nClockBrightness=20\n";
     QVERIFY(store(text));
@@ -225,7 +225,7 @@ void SettingsPageTest::inactivityDiscardsAndLeaves()
     QVERIFY(m_appliance->program.stop());
 }
 
-void SettingsPageTest::aTremblingFingerIsNoActivity()
+void TestSettingsPage::aTremblingFingerIsNoActivity()
 {
     m_appliance = std::make_unique<Appliance>();
     m_appliance->program.setEnvironment("VELUNOR_TOUCHUI_SCREENTYPE", "DISPLAY2_7INCH"); // 1 to 31
@@ -254,13 +254,13 @@ void SettingsPageTest::aTremblingFingerIsNoActivity()
     QVERIFY(m_appliance->program.stop());
 }
 
-bool SettingsPageTest::start()
+bool TestSettingsPage::start()
 {
     m_appliance = std::make_unique<Appliance>();
     return m_appliance->start();
 }
 
-bool SettingsPageTest::drag(const QString &row, double distance)
+bool TestSettingsPage::drag(const QString &row, double distance)
 {
     const QRectF area = probe().area(sliderOf(row));
     const double position = probe().property(sliderOf(row), "visualPosition").toDouble();
@@ -271,5 +271,5 @@ bool SettingsPageTest::drag(const QString &row, double distance)
     return done && probe().release(handle + QPointF(distance, 0));
 }
 
-QTEST_GUILESS_MAIN(SettingsPageTest)
+QTEST_GUILESS_MAIN(TestSettingsPage)
 #include "tst_settingspage.moc"

@@ -10,14 +10,14 @@
 
 /** The shortest way through everything: start, a message in, a touch, a message out, a picture,
  * stop. */
-class SmokeTest : public QObject {
+class TestSmoke : public QObject {
     Q_OBJECT
 
 private slots:
     void startsShowsAndStops();
 };
 
-void SmokeTest::startsShowsAndStops()
+void TestSmoke::startsShowsAndStops()
 {
     Broker broker;
     QVERIFY(broker.start());
@@ -42,5 +42,5 @@ void SmokeTest::startsShowsAndStops()
     QVERIFY(program.stop());
 }
 
-QTEST_GUILESS_MAIN(SmokeTest)
+QTEST_GUILESS_MAIN(TestSmoke)
 #include "tst_smoke.moc"

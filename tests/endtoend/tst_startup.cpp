@@ -38,7 +38,7 @@ QStringList startOf(const Program &program)
 } // namespace
 
 /** From the start of the process to the event loop, and out of it again. */
-class StartupTest : public QObject {
+class TestStartup : public QObject {
     Q_OBJECT
 
 private slots:
@@ -59,7 +59,7 @@ private slots:
     void anUnknownWidthIsLoggedAndNothingMore();
 };
 
-void StartupTest::logsEveryStepInOrder()
+void TestStartup::logsEveryStepInOrder()
 {
     const Panel panel;
     Program program;
@@ -112,7 +112,7 @@ void StartupTest::logsEveryStepInOrder()
             QStringLiteral("INFO  Entering main event loop...") }));
 }
 
-void StartupTest::namesTheCommitItWasBuiltFrom()
+void TestStartup::namesTheCommitItWasBuiltFrom()
 {
     const QString checkout = QStringLiteral(TOUCHUI_CHECKOUT);
     QProcess git;
@@ -137,7 +137,7 @@ void StartupTest::namesTheCommitItWasBuiltFrom()
             + QStringLiteral(".  Was it built since?")));
 }
 
-void StartupTest::hidesDebugLinesByDefault()
+void TestStartup::hidesDebugLinesByDefault()
 {
     const Panel panel;
     Program program;
@@ -164,7 +164,7 @@ void StartupTest::hidesDebugLinesByDefault()
         }));
 }
 
-void StartupTest::onlyTheWordInSmallLettersEnablesDebug_data()
+void TestStartup::onlyTheWordInSmallLettersEnablesDebug_data()
 {
     QTest::addColumn<QString>("value");
     QTest::addColumn<bool>("enabled");
@@ -176,7 +176,7 @@ void StartupTest::onlyTheWordInSmallLettersEnablesDebug_data()
     QTest::newRow("empty") << QString() << false;
 }
 
-void StartupTest::onlyTheWordInSmallLettersEnablesDebug()
+void TestStartup::onlyTheWordInSmallLettersEnablesDebug()
 {
     QFETCH(QString, value);
     QFETCH(bool, enabled);
@@ -190,7 +190,7 @@ void StartupTest::onlyTheWordInSmallLettersEnablesDebug()
     QCOMPARE(program.count(LogPattern(QStringLiteral("DEBUG"), QString()).andMore()) > 0, enabled);
 }
 
-void StartupTest::switchesTheQmlDiskCacheOff()
+void TestStartup::switchesTheQmlDiskCacheOff()
 {
     Program program;
     program.setEnvironment(QStringLiteral("QML_DISABLE_DISK_CACHE"), QStringLiteral("false"));
@@ -199,7 +199,7 @@ void StartupTest::switchesTheQmlDiskCacheOff()
         QJsonValue(QStringLiteral("true")));
 }
 
-void StartupTest::showsNoPointer()
+void TestStartup::showsNoPointer()
 {
     Program program;
     QVERIFY(program.start());
@@ -208,7 +208,7 @@ void StartupTest::showsNoPointer()
     QCOMPARE(cursor.value(QLatin1String("shape")), QJsonValue(Qt::BlankCursor));
 }
 
-void StartupTest::reportsReadyAndThenPings()
+void TestStartup::reportsReadyAndThenPings()
 {
     NotifySocket serviceManager;
     Program program;
@@ -224,7 +224,7 @@ void StartupTest::reportsReadyAndThenPings()
     QCOMPARE(serviceManager.messages().size(), pings + 1); // it does not say that it stops
 }
 
-void StartupTest::runsWithoutServiceManager()
+void TestStartup::runsWithoutServiceManager()
 {
     Program program;
     QVERIFY(program.startAndWait());
@@ -232,7 +232,7 @@ void StartupTest::runsWithoutServiceManager()
     QVERIFY(program.stop());
 }
 
-void StartupTest::aSignalEndsItCleanly_data()
+void TestStartup::aSignalEndsItCleanly_data()
 {
     QTest::addColumn<int>("number");
     QTest::addColumn<QString>("name");
@@ -240,7 +240,7 @@ void StartupTest::aSignalEndsItCleanly_data()
     QTest::newRow("SIGTERM") << SIGTERM << QStringLiteral("Terminated");
 }
 
-void StartupTest::aSignalEndsItCleanly()
+void TestStartup::aSignalEndsItCleanly()
 {
     QFETCH(int, number);
     QFETCH(QString, name);
@@ -268,7 +268,7 @@ void StartupTest::aSignalEndsItCleanly()
     QVERIFY(broker.waitForLine(QRegularExpression(QStringLiteral("^Received DISCONNECT from "))));
 }
 
-void StartupTest::aSignalBeforeTheEventLoopIsNotLost()
+void TestStartup::aSignalBeforeTheEventLoopIsNotLost()
 {
     Program program;
     QVERIFY(program.start());
@@ -278,7 +278,7 @@ void StartupTest::aSignalBeforeTheEventLoopIsNotLost()
     QCOMPARE(program.count(Line::info(QStringLiteral("Left main event loop with exit code 0"))), 1);
 }
 
-void StartupTest::severalSignalsEndItOnce()
+void TestStartup::severalSignalsEndItOnce()
 {
     Program program;
     QVERIFY(program.startAndWait());
@@ -291,7 +291,7 @@ void StartupTest::severalSignalsEndItOnce()
     QCOMPARE(program.count(Line::info(QStringLiteral("Left main event loop with exit code 0"))), 1);
 }
 
-void StartupTest::aSceneThatDoesNotLoadEndsIt()
+void TestStartup::aSceneThatDoesNotLoadEndsIt()
 {
     // A module found before the real one, and unusable, is what a damaged installation looks like.
     const QTemporaryDir imports;
@@ -318,7 +318,7 @@ void StartupTest::aSceneThatDoesNotLoadEndsIt()
         program.logSize() - scene - 1);
 }
 
-void StartupTest::anUnknownWidthIsLoggedAndNothingMore()
+void TestStartup::anUnknownWidthIsLoggedAndNothingMore()
 {
     Program program;
     program.setEnvironment(QStringLiteral("VELUNOR_TOUCHUI_WIDTH"), QStringLiteral("1024"));
@@ -328,5 +328,5 @@ void StartupTest::anUnknownWidthIsLoggedAndNothingMore()
     QVERIFY(program.stop());
 }
 
-QTEST_GUILESS_MAIN(StartupTest)
+QTEST_GUILESS_MAIN(TestStartup)
 #include "tst_startup.moc"

@@ -33,7 +33,7 @@ Probe::Target inner(const QString &box)
 } // namespace
 
 /** Texts of the clock and the notices are never cut; texts from outside are shown as they come. */
-class TextsTest : public QObject {
+class TestTexts : public QObject {
     Q_OBJECT
 
 private slots:
@@ -57,19 +57,19 @@ private:
     std::unique_ptr<Appliance> m_appliance;
 };
 
-void TextsTest::initTestCase()
+void TestTexts::initTestCase()
 {
     QVERIFY(appearAs(HostName));
 }
 
-void TextsTest::cleanup()
+void TestTexts::cleanup()
 {
     if (m_appliance && !m_appliance->program.isQuiet())
         QTest::qFail("Qt or the scene has complained", __FILE__, __LINE__);
     m_appliance.reset();
 }
 
-void TextsTest::theClockTellsTheTimeInGerman_data()
+void TestTexts::theClockTellsTheTimeInGerman_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<int>("height");
@@ -78,7 +78,7 @@ void TextsTest::theClockTellsTheTimeInGerman_data()
     QTest::newRow("1280x800") << 1280 << 800;
 }
 
-void TextsTest::theClockTellsTheTimeInGerman()
+void TestTexts::theClockTellsTheTimeInGerman()
 {
     QFETCH(int, width);
     QFETCH(int, height);
@@ -154,7 +154,7 @@ void TextsTest::theClockTellsTheTimeInGerman()
     QVERIFY(program.stop());
 }
 
-void TextsTest::noticesAreNotCut_data()
+void TestTexts::noticesAreNotCut_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<int>("height");
@@ -163,7 +163,7 @@ void TextsTest::noticesAreNotCut_data()
     QTest::newRow("1280x800") << 1280 << 800;
 }
 
-void TextsTest::noticesAreNotCut()
+void TestTexts::noticesAreNotCut()
 {
     QFETCH(int, width);
     QFETCH(int, height);
@@ -185,7 +185,7 @@ void TextsTest::noticesAreNotCut()
     QVERIFY(m_appliance->program.stop());
 }
 
-void TextsTest::everyTextFitsItsBox(const QString &page)
+void TestTexts::everyTextFitsItsBox(const QString &page)
 {
     QVERIFY(m_appliance->waitForPage(page));
     QCOMPARE(probe().property(inner("addresses"), "text"),
@@ -206,7 +206,7 @@ void TextsTest::everyTextFitsItsBox(const QString &page)
     }
 }
 
-void TextsTest::textsFromOutsideShowAsTheyCome()
+void TestTexts::textsFromOutsideShowAsTheyCome()
 {
     m_appliance = std::make_unique<Appliance>();
     QVERIFY(m_appliance->start());
@@ -267,14 +267,14 @@ void TextsTest::textsFromOutsideShowAsTheyCome()
     QCOMPARE(m_appliance->images.requestsFor("spy"), 0);
 }
 
-bool TextsTest::startOn(int width, int height)
+bool TestTexts::startOn(int width, int height)
 {
     m_appliance->program.setEnvironment("VELUNOR_TOUCHUI_WIDTH", QString::number(width));
     m_appliance->program.setEnvironment("VELUNOR_TOUCHUI_HEIGHT", QString::number(height));
     return m_appliance->start();
 }
 
-QRectF TextsTest::painted(const QString &box)
+QRectF TestTexts::painted(const QString &box)
 {
     const QPointF middle = probe().centre(inner(box));
     const QSizeF size(probe().property(inner(box), "paintedWidth").toDouble(),
@@ -282,7 +282,7 @@ QRectF TextsTest::painted(const QString &box)
     return { middle - QPointF(size.width() / 2, size.height() / 2), size };
 }
 
-void TextsTest::aPassageIsSeenTheSameAtAnyMoment()
+void TestTexts::aPassageIsSeenTheSameAtAnyMoment()
 {
     m_appliance = std::make_unique<Appliance>();
     QVERIFY(m_appliance->start());
@@ -306,5 +306,5 @@ void TextsTest::aPassageIsSeenTheSameAtAnyMoment()
     }
 }
 
-QTEST_GUILESS_MAIN(TextsTest)
+QTEST_GUILESS_MAIN(TestTexts)
 #include "tst_texts.moc"

@@ -34,7 +34,7 @@ bool isAt(const QPointF &one, const QPointF &other)
  * Every panel that the program is meant for, with a display server on which the window fills the
  * real screen: things lie where the finger looks for them, and a touch there has its effect.
  */
-class TurnedTest : public QObject {
+class TestTurned : public QObject {
     Q_OBJECT
 
 private slots:
@@ -62,7 +62,7 @@ private:
     std::unique_ptr<Appliance> m_appliance;
 };
 
-void TurnedTest::touchesLandWhereTheFingerIs_data()
+void TestTurned::touchesLandWhereTheFingerIs_data()
 {
     QTest::addColumn<int>("number");
     const QVector<PanelKind> kinds = panelKinds();
@@ -70,7 +70,7 @@ void TurnedTest::touchesLandWhereTheFingerIs_data()
         QTest::newRow(qPrintable(kinds.at(i).name)) << i;
 }
 
-void TurnedTest::touchesLandWhereTheFingerIs()
+void TestTurned::touchesLandWhereTheFingerIs()
 {
     QFETCH(int, number);
     QFile::remove(SettingsFile);
@@ -83,10 +83,10 @@ void TurnedTest::touchesLandWhereTheFingerIs()
     QVERIFY(m_appliance->start());
     QVERIFY(m_kind.fitWindowOf(m_appliance->program));
 
-    using Part = void (TurnedTest::*)();
-    for (const Part part : { &TurnedTest::thePageFillsTheScreen, &TurnedTest::playerAreas,
-             &TurnedTest::volumeDialog, &TurnedTest::zoneChooser, &TurnedTest::clockAndScreenSaver,
-             &TurnedTest::settings, &TurnedTest::notices }) {
+    using Part = void (TestTurned::*)();
+    for (const Part part : { &TestTurned::thePageFillsTheScreen, &TestTurned::playerAreas,
+             &TestTurned::volumeDialog, &TestTurned::zoneChooser, &TestTurned::clockAndScreenSaver,
+             &TestTurned::settings, &TestTurned::notices }) {
         m_appliance->services.clear();
         (this->*part)();
         if (QTest::currentTestFailed())
@@ -97,7 +97,7 @@ void TurnedTest::touchesLandWhereTheFingerIs()
     m_appliance.reset();
 }
 
-void TurnedTest::thePageFillsTheScreen()
+void TestTurned::thePageFillsTheScreen()
 {
     QTRY_COMPARE_WITH_TIMEOUT(
         probe().area(Player), QRectF({ 0, 0 }, QSizeF(m_kind.screen)), PatienceMs);
@@ -105,7 +105,7 @@ void TurnedTest::thePageFillsTheScreen()
     QCOMPARE(probe().property(Player, "height").toDouble(), double(m_kind.page.height()));
 }
 
-void TurnedTest::playerAreas()
+void TestTurned::playerAreas()
 {
     m_appliance->publishZone("is_previous_allowed", "true");
     m_appliance->publishZone("settings/loop", "disabled");
@@ -130,7 +130,7 @@ void TurnedTest::playerAreas()
     QVERIFY(QPointF::dotProduct(probe().centre("zoneName") - previous, down) > 0);
 }
 
-void TurnedTest::volumeDialog()
+void TestTurned::volumeDialog()
 {
     // The panel of 600 x 200 stands in the middle of the page.
     const QPointF corner(m_kind.page.width() / 2.0 - 300, m_kind.page.height() / 2.0 - 100);
@@ -168,7 +168,7 @@ void TurnedTest::volumeDialog()
     QTRY_VERIFY_WITH_TIMEOUT(!probe().shows("volumeSlider"), PatienceMs);
 }
 
-void TurnedTest::zoneChooser()
+void TestTurned::zoneChooser()
 {
     m_appliance->publishZones(
         R"([{"id":"z1","name":"Kitchen"},{"id":"z2","name":"Bath"},{"id":"z3","name":"Hall"}])");
@@ -192,7 +192,7 @@ void TurnedTest::zoneChooser()
     }
 }
 
-void TurnedTest::clockAndScreenSaver()
+void TestTurned::clockAndScreenSaver()
 {
     const double right = m_kind.page.width() - 2;
     const double bottom = m_kind.page.height() - 2;
@@ -210,7 +210,7 @@ void TurnedTest::clockAndScreenSaver()
     QVERIFY(m_appliance->waitForPage(Player));
 }
 
-void TurnedTest::settings()
+void TestTurned::settings()
 {
     const double right = m_kind.page.width();
     const double bottom = m_kind.page.height();
@@ -239,7 +239,7 @@ void TurnedTest::settings()
     QVERIFY(file.readAll().contains("\nBrightness=" + m_appliance->panel.brightness() + "\n"));
 }
 
-void TurnedTest::notices()
+void TestTurned::notices()
 {
     const double right = m_kind.page.width() - 2;
     const double bottom = m_kind.page.height() - 2;
@@ -272,7 +272,7 @@ void TurnedTest::notices()
     QVERIFY(m_appliance->waitForPage(Player));
 }
 
-bool TurnedTest::drag(const QPointF &from, double distance)
+bool TestTurned::drag(const QPointF &from, double distance)
 {
     bool done = probe().press(m_kind.onScreen(from));
     for (int step = 1; step <= 5; ++step)
@@ -280,10 +280,10 @@ bool TurnedTest::drag(const QPointF &from, double distance)
     return done && probe().release(m_kind.onScreen(from + QPointF(distance, 0)));
 }
 
-bool TurnedTest::itemIsAt(const Probe::Target &item, const QPointF &place)
+bool TestTurned::itemIsAt(const Probe::Target &item, const QPointF &place)
 {
     return isAt(probe().centre(item), m_kind.onScreen(place));
 }
 
-QTEST_GUILESS_MAIN(TurnedTest)
+QTEST_GUILESS_MAIN(TestTurned)
 #include "tst_turned.moc"

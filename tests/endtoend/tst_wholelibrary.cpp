@@ -44,7 +44,7 @@ double difference(const QImage &a, const QImage &b)
  * The simulated appliance with the real program: all music there is, track after track, some of
  * them played to their end and some left by a touch.
  */
-class WholeLibraryTest : public QObject {
+class TestWholeLibrary : public QObject {
     Q_OBJECT
 
 private slots:
@@ -73,18 +73,18 @@ private:
     QMap<QByteArray, QImage> m_covers;
 };
 
-QString WholeLibraryTest::told(const char *key) const
+QString TestWholeLibrary::told(const char *key) const
 {
     const QList<QByteArray> payloads = m_listener.payloads(Topics::zone(Zone, key));
     return payloads.isEmpty() ? QString() : QString::fromUtf8(payloads.last());
 }
 
-QString WholeLibraryTest::shown(const char *item)
+QString TestWholeLibrary::shown(const char *item)
 {
     return m_program.probe().property(item, "text").toString();
 }
 
-bool WholeLibraryTest::touchUntil(const char *item, const char *key, const QString &value)
+bool TestWholeLibrary::touchUntil(const char *item, const char *key, const QString &value)
 {
     if (!m_program.probe().tap(item))
         return false;
@@ -95,7 +95,7 @@ bool WholeLibraryTest::touchUntil(const char *item, const char *key, const QStri
     return false;
 }
 
-bool WholeLibraryTest::touchForAnotherTrack(const char *item)
+bool TestWholeLibrary::touchForAnotherTrack(const char *item)
 {
     const QString before = told("nowPlaying/song");
     if (!m_program.probe().tap(item))
@@ -106,7 +106,7 @@ bool WholeLibraryTest::touchForAnotherTrack(const char *item)
     return false;
 }
 
-bool WholeLibraryTest::touchPrevious()
+bool TestWholeLibrary::touchPrevious()
 {
     const QString topic = Topics::command();
     const int before = m_listener.payloads(topic).size();
@@ -118,7 +118,7 @@ bool WholeLibraryTest::touchPrevious()
     return waitUntil([&] { return told("nowPlaying/seekPosition") == QLatin1String("5"); });
 }
 
-bool WholeLibraryTest::playToTheEnd()
+bool TestWholeLibrary::playToTheEnd()
 {
     const QString before = told("nowPlaying/song");
     const int end = told("nowPlaying/length").toInt() - 1;
@@ -140,7 +140,7 @@ bool WholeLibraryTest::playToTheEnd()
     return touchUntil("playPause", "state", QStringLiteral("paused"));
 }
 
-bool WholeLibraryTest::pageShowsTheTruth()
+bool TestWholeLibrary::pageShowsTheTruth()
 {
     const auto seconds = [](const QString &text) {
         return QStringLiteral("%1:%2")
@@ -174,7 +174,7 @@ bool WholeLibraryTest::pageShowsTheTruth()
     return false;
 }
 
-bool WholeLibraryTest::coverIsThatOfTheAlbum()
+bool TestWholeLibrary::coverIsThatOfTheAlbum()
 {
     const QByteArray key = told("nowPlaying/imageKey").toUtf8();
     if (!m_covers.contains(key))
@@ -191,7 +191,7 @@ bool WholeLibraryTest::coverIsThatOfTheAlbum()
     return same;
 }
 
-void WholeLibraryTest::everyTrackIsShownAsItPlays()
+void TestWholeLibrary::everyTrackIsShownAsItPlays()
 {
     const Panel panel;
     QVERIFY(m_broker.start());
@@ -242,5 +242,5 @@ void WholeLibraryTest::everyTrackIsShownAsItPlays()
     QVERIFY(m_simulator.waitForLine(QStringLiteral("command: next in Hugo2X")));
 }
 
-QTEST_GUILESS_MAIN(WholeLibraryTest)
+QTEST_GUILESS_MAIN(TestWholeLibrary)
 #include "tst_wholelibrary.moc"

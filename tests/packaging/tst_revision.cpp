@@ -23,12 +23,12 @@ constexpr int ProcessLimitMs = 60000;
 
 } // namespace
 
-class RevisionTest;
-using Preparation = std::function<void(RevisionTest &)>;
+class TestRevision;
+using Preparation = std::function<void(TestRevision &)>;
 Q_DECLARE_METATYPE(Preparation)
 
 /** Which commit the program names as its own, by where its sources lie. */
-class RevisionTest : public QObject {
+class TestRevision : public QObject {
     Q_OBJECT
 
 private slots:
@@ -60,12 +60,12 @@ private:
     QProcessEnvironment m_environment;
 };
 
-void RevisionTest::initTestCase()
+void TestRevision::initTestCase()
 {
     QVERIFY2(!QStandardPaths::findExecutable(QStringLiteral("git")).isEmpty(), "git is missing");
 }
 
-void RevisionTest::init()
+void TestRevision::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(m_folder->isValid());
@@ -94,7 +94,7 @@ void RevisionTest::init()
     }
 }
 
-QString RevisionTest::run(const QString &program, const QStringList &arguments)
+QString TestRevision::run(const QString &program, const QStringList &arguments)
 {
     QProcess process;
     process.setProcessEnvironment(m_environment);
@@ -110,12 +110,12 @@ QString RevisionTest::run(const QString &program, const QStringList &arguments)
     return QString::fromLocal8Bit(process.readAllStandardOutput()).trimmed();
 }
 
-QString RevisionTest::git(const QStringList &arguments)
+QString TestRevision::git(const QStringList &arguments)
 {
     return run(QStringLiteral("git"), arguments);
 }
 
-QString RevisionTest::commit()
+QString TestRevision::commit()
 {
     git({ QStringLiteral("init"), QStringLiteral("--quiet") });
     git({ QStringLiteral("add"), QStringLiteral("--all") });
@@ -124,7 +124,7 @@ QString RevisionTest::commit()
     return git({ QStringLiteral("rev-parse"), QStringLiteral("HEAD") });
 }
 
-QString RevisionTest::revisionOf(const QString &tree)
+QString TestRevision::revisionOf(const QString &tree)
 {
     run(Cmake,
         { QStringLiteral("-DSOURCE_DIR=") + tree, QStringLiteral("-DOUTPUT=") + header(),
@@ -138,7 +138,7 @@ QString RevisionTest::revisionOf(const QString &tree)
     return line.match(QString::fromLocal8Bit(file.readAll())).captured(1);
 }
 
-void RevisionTest::checkoutNamesItsCommit()
+void TestRevision::checkoutNamesItsCommit()
 {
     const QString first = commit();
     QCOMPARE(first.size(), 40);
@@ -150,7 +150,7 @@ void RevisionTest::checkoutNamesItsCommit()
     QCOMPARE(revisionOf(m_tree), first);
 }
 
-void RevisionTest::changedCheckoutNamesItsCommit()
+void TestRevision::changedCheckoutNamesItsCommit()
 {
     const QString id = commit();
     QFile added(m_tree + QStringLiteral("/added"));
@@ -158,7 +158,7 @@ void RevisionTest::changedCheckoutNamesItsCommit()
     QCOMPARE(revisionOf(m_tree), id);
 }
 
-void RevisionTest::linkedWorktreeNamesItsOwnCommit()
+void TestRevision::linkedWorktreeNamesItsOwnCommit()
 {
     const QString first = commit();
     const QString linked = m_folder->filePath(QStringLiteral("linked"));
@@ -168,44 +168,44 @@ void RevisionTest::linkedWorktreeNamesItsOwnCommit()
     QCOMPARE(revisionOf(linked), first);
 }
 
-void RevisionTest::checkoutOfSomebodyElseNamesItsCommit()
+void TestRevision::checkoutOfSomebodyElseNamesItsCommit()
 {
     const QString id = commit();
     m_environment.insert(QStringLiteral("GIT_TEST_ASSUME_DIFFERENT_OWNER"), QStringLiteral("1"));
     QCOMPARE(revisionOf(m_tree), id);
 }
 
-void RevisionTest::treeWithoutACommitNamesNone_data()
+void TestRevision::treeWithoutACommitNamesNone_data()
 {
     QTest::addColumn<Preparation>("prepare");
     const auto row
         = [](const char *name, const Preparation &prepare) { QTest::newRow(name) << prepare; };
-    row("no checkout", [](RevisionTest &) {});
-    row("no commit yet", [](RevisionTest &test) { test.git({ QStringLiteral("init") }); });
-    row("inside another checkout", [](RevisionTest &test) {
+    row("no checkout", [](TestRevision &) {});
+    row("no commit yet", [](TestRevision &test) { test.git({ QStringLiteral("init") }); });
+    row("inside another checkout", [](TestRevision &test) {
         const QString tree = test.m_tree;
         test.m_tree = QFileInfo(tree).path();
         test.commit();
         test.m_tree = tree;
     });
-    row("git is not installed", [](RevisionTest &test) {
+    row("git is not installed", [](TestRevision &test) {
         test.commit();
         test.m_environment.insert(QStringLiteral("PATH"), test.m_folder->path());
     });
-    row("damaged checkout", [](RevisionTest &test) {
+    row("damaged checkout", [](TestRevision &test) {
         test.commit();
         QFile::remove(test.m_tree + QStringLiteral("/.git/HEAD"));
     });
 }
 
-void RevisionTest::treeWithoutACommitNamesNone()
+void TestRevision::treeWithoutACommitNamesNone()
 {
     QFETCH(Preparation, prepare);
     prepare(*this);
     QCOMPARE(revisionOf(m_tree), Unknown);
 }
 
-void RevisionTest::archiveNamesItsCommit()
+void TestRevision::archiveNamesItsCommit()
 {
     const QString id = commit();
     const QString archive = m_folder->filePath(QStringLiteral("archive.tar"));
@@ -223,7 +223,7 @@ void RevisionTest::archiveNamesItsCommit()
     QCOMPARE(revisionOf(unpacked), own);
 }
 
-void RevisionTest::headerIsRewrittenOnlyForAnotherCommit()
+void TestRevision::headerIsRewrittenOnlyForAnotherCommit()
 {
     commit();
     revisionOf(m_tree);
@@ -239,7 +239,7 @@ void RevisionTest::headerIsRewrittenOnlyForAnotherCommit()
     QVERIFY(QFileInfo(header()).lastModified() != longAgo);
 }
 
-void RevisionTest::copyOfTheSourcesCanBeBuilt()
+void TestRevision::copyOfTheSourcesCanBeBuilt()
 {
     const QString copy = m_folder->filePath(QStringLiteral("outer/copy"));
     QVERIFY(QDir().mkpath(copy));
@@ -266,5 +266,5 @@ void RevisionTest::copyOfTheSourcesCanBeBuilt()
     QVERIFY(file.readAll().contains('"' + expected + '"'));
 }
 
-QTEST_GUILESS_MAIN(RevisionTest)
+QTEST_GUILESS_MAIN(TestRevision)
 #include "tst_revision.moc"

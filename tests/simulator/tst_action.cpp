@@ -21,7 +21,7 @@ QStringList codes(const QString &cell)
 
 } // namespace
 
-class ActionTest : public QObject {
+class TestAction : public QObject {
     Q_OBJECT
 
 private slots:
@@ -36,7 +36,7 @@ private slots:
     void documentNamesEveryActionWithItsArguments();
 };
 
-void ActionTest::wordsAndJsonMeanTheSame_data()
+void TestAction::wordsAndJsonMeanTheSame_data()
 {
     QTest::addColumn<QString>("words");
     QTest::addColumn<QString>("json");
@@ -57,7 +57,7 @@ void ActionTest::wordsAndJsonMeanTheSame_data()
     row("group zones=Kitchen,Bath", R"({"action":"group","zones":["Kitchen","Bath"]})");
 }
 
-void ActionTest::wordsAndJsonMeanTheSame()
+void TestAction::wordsAndJsonMeanTheSame()
 {
     QFETCH(QString, words);
     QFETCH(QString, json);
@@ -74,7 +74,7 @@ void ActionTest::wordsAndJsonMeanTheSame()
     QCOMPARE(again.arguments, fromJson.arguments);
 }
 
-void ActionTest::isPrintedWithItsArguments()
+void TestAction::isPrintedWithItsArguments()
 {
     Action action;
     QString problem;
@@ -91,7 +91,7 @@ void ActionTest::isPrintedWithItsArguments()
     QCOMPARE(action.words(), QStringLiteral("group zones=\"Living Room,Bath\""));
 }
 
-void ActionTest::malformedTellsWhatWasExpected_data()
+void TestAction::malformedTellsWhatWasExpected_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("found");
@@ -119,7 +119,7 @@ void ActionTest::malformedTellsWhatWasExpected_data()
     row(R"({"action":"group","zones":[7]})", "found [7]");
 }
 
-void ActionTest::malformedTellsWhatWasExpected()
+void TestAction::malformedTellsWhatWasExpected()
 {
     QFETCH(QString, line);
     QFETCH(QString, found);
@@ -131,14 +131,14 @@ void ActionTest::malformedTellsWhatWasExpected()
     QVERIFY(action.name.isEmpty());
 }
 
-void ActionTest::everyKindCanBeCarriedOut_data()
+void TestAction::everyKindCanBeCarriedOut_data()
 {
     QTest::addColumn<int>("index");
     for (int i = 0; i < ActionKind::all().size(); ++i)
         QTest::newRow(ActionKind::all().at(i).name) << i;
 }
 
-void ActionTest::everyKindCanBeCarriedOut()
+void TestAction::everyKindCanBeCarriedOut()
 {
     QFETCH(int, index);
     const ActionKind &kind = ActionKind::all().at(index);
@@ -146,14 +146,14 @@ void ActionTest::everyKindCanBeCarriedOut()
     QCOMPARE(ActionKind::find(QString::fromLatin1(kind.name)), &kind); // no name twice
 }
 
-void ActionTest::overviewNamesEveryAction()
+void TestAction::overviewNamesEveryAction()
 {
     const QStringList lines = Action::overview().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     QCOMPARE(lines.size(), ActionKind::all().size());
     QVERIFY(lines.filter(QStringLiteral("image mode=… [ms=…]")).size() == 1);
 }
 
-void ActionTest::documentNamesEveryActionWithItsArguments()
+void TestAction::documentNamesEveryActionWithItsArguments()
 {
     const QStringList documentedZone { QStringLiteral("zone") };
     QStringList documented;
@@ -184,5 +184,5 @@ void ActionTest::documentNamesEveryActionWithItsArguments()
     QCOMPARE(documented, known);
 }
 
-QTEST_GUILESS_MAIN(ActionTest)
+QTEST_GUILESS_MAIN(TestAction)
 #include "tst_action.moc"

@@ -6,7 +6,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-class FakePanelTest : public QObject {
+class TestFakePanel : public QObject {
     Q_OBJECT
 
 private slots:
@@ -19,13 +19,13 @@ private:
     static bool write(const QTemporaryDir &directory, const char *attribute, const char *value);
 };
 
-bool FakePanelTest::write(const QTemporaryDir &directory, const char *attribute, const char *value)
+bool TestFakePanel::write(const QTemporaryDir &directory, const char *attribute, const char *value)
 {
     QFile file(directory.filePath(QStringLiteral("simulated-panel/") + QLatin1String(attribute)));
     return file.open(QIODevice::WriteOnly | QIODevice::ExistingOnly) && file.write(value) > 0;
 }
 
-void FakePanelTest::tellsWhatIsWritten()
+void TestFakePanel::tellsWhatIsWritten()
 {
     const QTemporaryDir directory;
     FakePanel panel;
@@ -44,7 +44,7 @@ void FakePanelTest::tellsWhatIsWritten()
     QCOMPARE(told.takeFirst().first().toString(), QStringLiteral("panel: lit"));
 }
 
-void FakePanelTest::tellsAValueOnce()
+void TestFakePanel::tellsAValueOnce()
 {
     const QTemporaryDir directory;
     FakePanel panel;
@@ -59,7 +59,7 @@ void FakePanelTest::tellsAValueOnce()
     QCOMPARE(told.last().first().toString(), QStringLiteral("panel: lit"));
 }
 
-void FakePanelTest::directoryThatCannotBeMade()
+void TestFakePanel::directoryThatCannotBeMade()
 {
     const QTemporaryDir directory;
     QFile file(directory.filePath(QStringLiteral("file")));
@@ -70,6 +70,6 @@ void FakePanelTest::directoryThatCannotBeMade()
     QVERIFY(problem.startsWith(QStringLiteral("--panel: cannot make ") + file.fileName()));
 }
 
-QTEST_GUILESS_MAIN(FakePanelTest)
+QTEST_GUILESS_MAIN(TestFakePanel)
 
 #include "tst_fakepanel.moc"

@@ -68,7 +68,7 @@ QByteArray requestOfSize(int size)
 
 } // namespace
 
-class HttpServerTest : public QObject {
+class TestHttpServer : public QObject {
     Q_OBJECT
 
 private slots:
@@ -113,7 +113,7 @@ private:
     int m_quiet = 0; // descriptors that are open while there is no connection
 };
 
-void HttpServerTest::init()
+void TestHttpServer::init()
 {
     m_server = std::make_unique<Server>();
     QVERIFY(m_server->listen(0));
@@ -121,13 +121,13 @@ void HttpServerTest::init()
     QVERIFY(connectClient());
 }
 
-void HttpServerTest::cleanup()
+void TestHttpServer::cleanup()
 {
     m_client.reset();
     m_server.reset();
 }
 
-bool HttpServerTest::connectClient()
+bool TestHttpServer::connectClient()
 {
     m_received.clear();
     m_client = std::make_unique<QTcpSocket>();
@@ -135,7 +135,7 @@ bool HttpServerTest::connectClient()
     return m_client->waitForConnected();
 }
 
-void HttpServerTest::send(const QList<QByteArray> &pieces)
+void TestHttpServer::send(const QList<QByteArray> &pieces)
 {
     for (const QByteArray &piece : pieces) {
         if (!isOpen())
@@ -148,13 +148,13 @@ void HttpServerTest::send(const QList<QByteArray> &pieces)
 
 /** What has been sent is on the server's side of the loopback at once; it is accepted, then read.
  */
-void HttpServerTest::letServerRead()
+void TestHttpServer::letServerRead()
 {
     for (int turn = 0; turn < 5; ++turn)
         QCoreApplication::processEvents();
 }
 
-bool HttpServerTest::serverAnswersAnother()
+bool TestHttpServer::serverAnswersAnother()
 {
     QTcpSocket other;
     other.connectToHost(QHostAddress::LocalHost, m_server->port());
@@ -162,7 +162,7 @@ bool HttpServerTest::serverAnswersAnother()
     return QTest::qWaitFor([&other] { return other.bytesAvailable() > 0; });
 }
 
-void HttpServerTest::requestIsReadWhole_data()
+void TestHttpServer::requestIsReadWhole_data()
 {
     QTest::addColumn<QList<QByteArray>>("pieces");
     QTest::addColumn<QByteArray>("method");
@@ -202,7 +202,7 @@ void HttpServerTest::requestIsReadWhole_data()
         body);
 }
 
-void HttpServerTest::requestIsReadWhole()
+void TestHttpServer::requestIsReadWhole()
 {
     QFETCH(QList<QByteArray>, pieces);
     QFETCH(QByteArray, method);
@@ -223,7 +223,7 @@ void HttpServerTest::requestIsReadWhole()
     QVERIFY(isOpen());
 }
 
-void HttpServerTest::whatIsNoRequestIsRefused_data()
+void TestHttpServer::whatIsNoRequestIsRefused_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     const auto row = [](const char *name, const QByteArray &bytes) {
@@ -246,7 +246,7 @@ void HttpServerTest::whatIsNoRequestIsRefused_data()
     row("body in chunks", "POST /now HTTP/1.1\r\nTransfer-Encoding: chunked");
 }
 
-void HttpServerTest::whatIsNoRequestIsRefused()
+void TestHttpServer::whatIsNoRequestIsRefused()
 {
     QFETCH(QByteArray, bytes);
     send({ bytes });
@@ -257,7 +257,7 @@ void HttpServerTest::whatIsNoRequestIsRefused()
     QVERIFY(serverAnswersAnother());
 }
 
-void HttpServerTest::tooLongRequestIsCutOff_data()
+void TestHttpServer::tooLongRequestIsCutOff_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<int>("answers"); // before
@@ -270,7 +270,7 @@ void HttpServerTest::tooLongRequestIsCutOff_data()
     QTest::newRow("after one that is not") << Get + "GET /" + QByteArray(200000, 'x') << 1;
 }
 
-void HttpServerTest::tooLongRequestIsCutOff()
+void TestHttpServer::tooLongRequestIsCutOff()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(int, answers);
@@ -280,7 +280,7 @@ void HttpServerTest::tooLongRequestIsCutOff()
     QVERIFY(serverAnswersAnother());
 }
 
-void HttpServerTest::connectionStaysAsTheClientWishes_data()
+void TestHttpServer::connectionStaysAsTheClientWishes_data()
 {
     QTest::addColumn<QByteArray>("rest");
     QTest::addColumn<bool>("stays");
@@ -292,7 +292,7 @@ void HttpServerTest::connectionStaysAsTheClientWishes_data()
     QTest::newRow("1.0, keep-alive") << QByteArray("HTTP/1.0\r\nConnection: keep-alive") << true;
 }
 
-void HttpServerTest::connectionStaysAsTheClientWishes()
+void TestHttpServer::connectionStaysAsTheClientWishes()
 {
     QFETCH(QByteArray, rest);
     QFETCH(bool, stays);
@@ -308,7 +308,7 @@ void HttpServerTest::connectionStaysAsTheClientWishes()
     }
 }
 
-void HttpServerTest::answersComeInTheOrderOfTheRequests()
+void TestHttpServer::answersComeInTheOrderOfTheRequests()
 {
     send({ GetLater + Get + GetLater + Get });
     QTRY_COMPARE(received(),
@@ -316,7 +316,7 @@ void HttpServerTest::answersComeInTheOrderOfTheRequests()
             + answerOf("GET /now"));
 }
 
-void HttpServerTest::requestsBeyondTheLimitAreServedOneByOne()
+void TestHttpServer::requestsBeyondTheLimitAreServedOneByOne()
 {
     constexpr int Count = 20000;
     QVERIFY(Count * Get.size() > 5 * Limit);
@@ -326,14 +326,14 @@ void HttpServerTest::requestsBeyondTheLimitAreServedOneByOne()
     QCOMPARE(m_server->asked.size(), Count);
 }
 
-void HttpServerTest::closingSendsTheWholeAnswer()
+void TestHttpServer::closingSendsTheWholeAnswer()
 {
     send({ "GET /large HTTP/1.0\r\n\r\n" });
     QTRY_VERIFY(!isOpen());
     QCOMPARE(received().size(), answerOf(QByteArray(LargeBody, 'x')).size());
 }
 
-void HttpServerTest::clientThatDoesNotReadGetsOneAnswer()
+void TestHttpServer::clientThatDoesNotReadGetsOneAnswer()
 {
     m_client->setReadBufferSize(1);
     const QByteArray large = "GET /large HTTP/1.1\r\n\r\n";
@@ -346,20 +346,20 @@ void HttpServerTest::clientThatDoesNotReadGetsOneAnswer()
     QTRY_COMPARE(received().size(), 3 * answerOf(QByteArray(LargeBody, 'x')).size());
 }
 
-void HttpServerTest::headIsAnsweredWithoutABody()
+void TestHttpServer::headIsAnsweredWithoutABody()
 {
     m_client->write("HEAD /now HTTP/1.1\r\n\r\n" + Get);
     const QByteArray head = answerOf("HEAD /now");
     QTRY_COMPARE(received(), head.left(head.indexOf("\r\n\r\n") + 4) + answerOf("GET /now"));
 }
 
-void HttpServerTest::onlyTheFirstAnswerCounts()
+void TestHttpServer::onlyTheFirstAnswerCounts()
 {
     send({ "GET /twice HTTP/1.1\r\n\r\n" + Get });
     QTRY_COMPARE(received(), answerOf("first") + answerOf("GET /now"));
 }
 
-void HttpServerTest::droppedConnectionGetsNoAnswer()
+void TestHttpServer::droppedConnectionGetsNoAnswer()
 {
     send({ "GET /drop HTTP/1.1\r\n\r\n" + Get });
     QTRY_VERIFY(!isOpen());
@@ -367,7 +367,7 @@ void HttpServerTest::droppedConnectionGetsNoAnswer()
     QCOMPARE(m_server->asked.size(), 1);
 }
 
-void HttpServerTest::clientMayVanish_data()
+void TestHttpServer::clientMayVanish_data()
 {
     QTest::addColumn<QByteArray>("sent");
     QTest::newRow("before it asks") << QByteArray();
@@ -384,7 +384,7 @@ void HttpServerTest::clientMayVanish_data()
     QTest::newRow("refused") << QByteArray("hello\r\n\r\n");
 }
 
-void HttpServerTest::clientMayVanish()
+void TestHttpServer::clientMayVanish()
 {
     QFETCH(QByteArray, sent);
     for (const bool isRead : { true, false }) { // whether the server has read it before
@@ -400,12 +400,12 @@ void HttpServerTest::clientMayVanish()
     }
 }
 
-void HttpServerTest::serverMayGoWithOpenConnections_data()
+void TestHttpServer::serverMayGoWithOpenConnections_data()
 {
     clientMayVanish_data();
 }
 
-void HttpServerTest::serverMayGoWithOpenConnections()
+void TestHttpServer::serverMayGoWithOpenConnections()
 {
     QFETCH(QByteArray, sent);
     for (const bool isRead : { true, false }) { // whether the server has read it before
@@ -423,7 +423,7 @@ void HttpServerTest::serverMayGoWithOpenConnections()
     }
 }
 
-void HttpServerTest::takenPortIsReported()
+void TestHttpServer::takenPortIsReported()
 {
     QVERIFY(m_server->port() != 0);
     Server other;
@@ -433,7 +433,7 @@ void HttpServerTest::takenPortIsReported()
     QVERIFY(other.port() != m_server->port());
 }
 
-void HttpServerTest::anyBytesAreSurvived()
+void TestHttpServer::anyBytesAreSurvived()
 {
     const quint32 seed = QRandomGenerator::system()->generate();
     qInfo("seed %u", seed);
@@ -450,5 +450,5 @@ void HttpServerTest::anyBytesAreSurvived()
     QVERIFY(serverAnswersAnother());
 }
 
-QTEST_GUILESS_MAIN(HttpServerTest)
+QTEST_GUILESS_MAIN(TestHttpServer)
 #include "tst_httpserver.moc"

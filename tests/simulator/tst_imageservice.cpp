@@ -13,7 +13,7 @@
 
 #include <memory>
 
-class ImageServiceTest : public QObject {
+class TestImageService : public QObject {
     Q_OBJECT
 
 private slots:
@@ -43,30 +43,30 @@ private:
     std::unique_ptr<ImageService> m_service;
 };
 
-void ImageServiceTest::init()
+void TestImageService::init()
 {
     m_service = std::make_unique<ImageService>();
     QVERIFY(m_service->listen(0));
     m_network.clearConnectionCache();
 }
 
-ImageServiceTest::Reply ImageServiceTest::get(const QString &target)
+TestImageService::Reply TestImageService::get(const QString &target)
 {
     const QUrl url(QStringLiteral("http://") + m_service->address() + target);
     return Reply(m_network.get(QNetworkRequest(url)));
 }
 
-bool ImageServiceTest::finished(const Reply &reply)
+bool TestImageService::finished(const Reply &reply)
 {
     return QTest::qWaitFor([&reply] { return reply->isFinished(); }, 20000);
 }
 
-int ImageServiceTest::status(const Reply &reply)
+int TestImageService::status(const Reply &reply)
 {
     return reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
 }
 
-void ImageServiceTest::everyAlbumHasItsOwnCover()
+void TestImageService::everyAlbumHasItsOwnCover()
 {
     QVector<QImage> pictures;
     for (const Album &album : Library::albums()) {
@@ -83,13 +83,13 @@ void ImageServiceTest::everyAlbumHasItsOwnCover()
     }
 }
 
-void ImageServiceTest::sameKeySamePicture()
+void TestImageService::sameKeySamePicture()
 {
     QCOMPARE(CoverArt::draw("key", QSize(64, 64)), CoverArt::draw("key", QSize(64, 64)));
     QVERIFY(!CoverArt::draw(QByteArray(), QSize(64, 64)).isNull());
 }
 
-void ImageServiceTest::sizeIsAsAskedFor_data()
+void TestImageService::sizeIsAsAskedFor_data()
 {
     QTest::addColumn<QString>("query");
     QTest::addColumn<QSize>("size");
@@ -106,7 +106,7 @@ void ImageServiceTest::sizeIsAsAskedFor_data()
     row("", 600, 600);
 }
 
-void ImageServiceTest::sizeIsAsAskedFor()
+void TestImageService::sizeIsAsAskedFor()
 {
     QFETCH(QString, query);
     QFETCH(QSize, size);
@@ -120,7 +120,7 @@ void ImageServiceTest::sizeIsAsAskedFor()
     QCOMPARE(picture.size(), size);
 }
 
-void ImageServiceTest::oddRequests_data()
+void TestImageService::oddRequests_data()
 {
     QTest::addColumn<QString>("target");
     QTest::addColumn<int>("expected");
@@ -138,7 +138,7 @@ void ImageServiceTest::oddRequests_data()
     row("/image/a%20%22b%22/%C3%BC?width=5&height=5", 200);
 }
 
-void ImageServiceTest::oddRequests()
+void TestImageService::oddRequests()
 {
     QFETCH(QString, target);
     QFETCH(int, expected);
@@ -147,7 +147,7 @@ void ImageServiceTest::oddRequests()
     QCOMPARE(status(reply), expected);
 }
 
-void ImageServiceTest::slowAnswersAfterTheDelay()
+void TestImageService::slowAnswersAfterTheDelay()
 {
     m_service->setMode(ImageService::Mode::Slow, 200);
     const Reply reply = get(QStringLiteral("/image/abc"));
@@ -157,7 +157,7 @@ void ImageServiceTest::slowAnswersAfterTheDelay()
     QVERIFY(!QImage::fromData(reply->readAll()).isNull());
 }
 
-void ImageServiceTest::failsWithStatus500()
+void TestImageService::failsWithStatus500()
 {
     m_service->setMode(ImageService::Mode::Fail);
     const Reply reply = get(QStringLiteral("/image/abc"));
@@ -169,7 +169,7 @@ void ImageServiceTest::failsWithStatus500()
     QCOMPARE(status(again), 200);
 }
 
-void ImageServiceTest::dropsTheConnection()
+void TestImageService::dropsTheConnection()
 {
     m_service->setMode(ImageService::Mode::Drop);
     const Reply reply = get(QStringLiteral("/image/abc"));
@@ -177,7 +177,7 @@ void ImageServiceTest::dropsTheConnection()
     QVERIFY(reply->error() != QNetworkReply::NoError);
 }
 
-void ImageServiceTest::garbageIsNoPicture()
+void TestImageService::garbageIsNoPicture()
 {
     m_service->setMode(ImageService::Mode::Garbage);
     const Reply reply = get(QStringLiteral("/image/abc"));
@@ -186,7 +186,7 @@ void ImageServiceTest::garbageIsNoPicture()
     QVERIFY(QImage::fromData(reply->readAll()).isNull());
 }
 
-void ImageServiceTest::hangsUntilTheClientLeaves()
+void TestImageService::hangsUntilTheClientLeaves()
 {
     m_service->setMode(ImageService::Mode::Hang);
     const Reply reply = get(QStringLiteral("/image/abc"));
@@ -199,7 +199,7 @@ void ImageServiceTest::hangsUntilTheClientLeaves()
     QCOMPARE(status(again), 200);
 }
 
-void ImageServiceTest::hangingRequestsAreAnsweredAfterwards()
+void TestImageService::hangingRequestsAreAnsweredAfterwards()
 {
     m_service->setMode(ImageService::Mode::Hang);
     const Reply first = get(QStringLiteral("/image/abc?width=7"));
@@ -222,7 +222,7 @@ void ImageServiceTest::hangingRequestsAreAnsweredAfterwards()
     QCOMPARE(status(failing), 500);
 }
 
-void ImageServiceTest::modesHaveNames()
+void TestImageService::modesHaveNames()
 {
     QCOMPARE(
         int(ImageService::modeOf(QStringLiteral("garbage"))), int(ImageService::Mode::Garbage));
@@ -230,5 +230,5 @@ void ImageServiceTest::modesHaveNames()
     QCOMPARE(int(ImageService::modeOf(QStringLiteral("Garbage"))), int(ImageService::Mode::Normal));
 }
 
-QTEST_GUILESS_MAIN(ImageServiceTest)
+QTEST_GUILESS_MAIN(TestImageService)
 #include "tst_imageservice.moc"

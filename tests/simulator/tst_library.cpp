@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-class LibraryTest : public QObject {
+class TestLibrary : public QObject {
     Q_OBJECT
 
 private slots:
@@ -16,7 +16,7 @@ private slots:
     void zonesAreUniqueAndTheirLimitsAgree();
 };
 
-void LibraryTest::everyAlbumCanBePlayed()
+void TestLibrary::everyAlbumCanBePlayed()
 {
     for (const Album &album : Library::albums()) {
         QVERIFY2(!album.tracks.isEmpty(), qPrintable(album.name));
@@ -27,7 +27,7 @@ void LibraryTest::everyAlbumCanBePlayed()
     }
 }
 
-void LibraryTest::namesAndKeysAreUnique()
+void TestLibrary::namesAndKeysAreUnique()
 {
     QSet<QString> names;
     QSet<QByteArray> keys;
@@ -41,7 +41,7 @@ void LibraryTest::namesAndKeysAreUnique()
     QVERIFY(!Library::findAlbum(QStringLiteral("lanterns on the breakwater")));
 }
 
-void LibraryTest::hasTheAwkwardOnes()
+void TestLibrary::hasTheAwkwardOnes()
 {
     bool rightToLeft = false;
     bool eastAsian = false;
@@ -69,7 +69,7 @@ void LibraryTest::hasTheAwkwardOnes()
     QVERIFY(overAnHour);
 }
 
-void LibraryTest::zonesAreUniqueAndTheirLimitsAgree()
+void TestLibrary::zonesAreUniqueAndTheirLimitsAgree()
 {
     QSet<QString> ids;
     QSet<QString> names;
@@ -92,5 +92,5 @@ void LibraryTest::zonesAreUniqueAndTheirLimitsAgree()
     QVERIFY(fixedVolume);
 }
 
-QTEST_GUILESS_MAIN(LibraryTest)
+QTEST_GUILESS_MAIN(TestLibrary)
 #include "tst_library.moc"

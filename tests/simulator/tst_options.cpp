@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-class OptionsTest : public QObject {
+class TestOptions : public QObject {
     Q_OBJECT
 
 private slots:
@@ -16,7 +16,7 @@ private slots:
     void helpNamesEveryOption();
 };
 
-void OptionsTest::defaults()
+void TestOptions::defaults()
 {
     Options options;
     QString problem;
@@ -30,7 +30,7 @@ void OptionsTest::defaults()
     QCOMPARE(options.zone, QStringLiteral("Hugo2X"));
 }
 
-void OptionsTest::readsEveryOption()
+void TestOptions::readsEveryOption()
 {
     Options options;
     QString problem;
@@ -49,7 +49,7 @@ void OptionsTest::readsEveryOption()
     QCOMPARE(options.panel, QStringLiteral("p"));
 }
 
-void OptionsTest::tasks_data()
+void TestOptions::tasks_data()
 {
     QTest::addColumn<QString>("argument");
     QTest::addColumn<int>("task");
@@ -58,7 +58,7 @@ void OptionsTest::tasks_data()
     QTest::newRow("version") << QStringLiteral("--version") << int(Options::Version);
 }
 
-void OptionsTest::tasks()
+void TestOptions::tasks()
 {
     QFETCH(QString, argument);
     QFETCH(int, task);
@@ -68,7 +68,7 @@ void OptionsTest::tasks()
     QCOMPARE(int(options.task), task);
 }
 
-void OptionsTest::wrongOnesAreNamed_data()
+void TestOptions::wrongOnesAreNamed_data()
 {
     QTest::addColumn<QString>("arguments");
     QTest::addColumn<QString>("named");
@@ -92,7 +92,7 @@ void OptionsTest::wrongOnesAreNamed_data()
     row("--zone Kitchen", "\"Kitchen\"");
 }
 
-void OptionsTest::wrongOnesAreNamed()
+void TestOptions::wrongOnesAreNamed()
 {
     QFETCH(QString, arguments);
     QFETCH(QString, named);
@@ -103,7 +103,7 @@ void OptionsTest::wrongOnesAreNamed()
     QVERIFY2(problem.contains(named), qPrintable(problem));
 }
 
-void OptionsTest::helpNamesEveryOption()
+void TestOptions::helpNamesEveryOption()
 {
     const QString help = Options::helpText();
     const char *const options[] = { "--list", "--scenario", "--speed", "--seed", "--broker-port",
@@ -113,5 +113,5 @@ void OptionsTest::helpNamesEveryOption()
         QVERIFY2(help.contains(QLatin1String(option)), option);
 }
 
-QTEST_GUILESS_MAIN(OptionsTest)
+QTEST_GUILESS_MAIN(TestOptions)
 #include "tst_options.moc"

@@ -42,7 +42,7 @@ struct Appliance {
 } // namespace
 
 /** The program as it is run, with a real broker. */
-class ProgramTest : public QObject {
+class TestProgram : public QObject {
     Q_OBJECT
 
 private slots:
@@ -74,7 +74,7 @@ private slots:
     void signalsEndItInOrder();
 };
 
-void ProgramTest::endsWithItsStatus_data()
+void TestProgram::endsWithItsStatus_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("status");
@@ -90,7 +90,7 @@ void ProgramTest::endsWithItsStatus_data()
                                       << "velunor-simulator: --scenario: expected a file or one of";
 }
 
-void ProgramTest::endsWithItsStatus()
+void TestProgram::endsWithItsStatus()
 {
     QFETCH(QStringList, arguments);
     QFETCH(int, status);
@@ -102,7 +102,7 @@ void ProgramTest::endsWithItsStatus()
     QVERIFY(simulator.waitForLine(line));
 }
 
-void ProgramTest::installedOneFindsItsOwnScenarios()
+void TestProgram::installedOneFindsItsOwnScenarios()
 {
     QTemporaryDir prefix;
     QDir top(prefix.path());
@@ -120,7 +120,7 @@ void ProgramTest::installedOneFindsItsOwnScenarios()
     QCOMPARE(program.readAllStandardOutput(), QByteArray("own             Its own.\n"));
 }
 
-void ProgramTest::withoutScenariosSaysWhereTheyWereExpected()
+void TestProgram::withoutScenariosSaysWhereTheyWereExpected()
 {
     QTemporaryDir prefix;
     QDir top(prefix.path());
@@ -146,7 +146,7 @@ void ProgramTest::withoutScenariosSaysWhereTheyWereExpected()
     QVERIFY(program.readAllStandardError().contains(place));
 }
 
-void ProgramTest::malformedScenarioEndsWithFileAndLine()
+void TestProgram::malformedScenarioEndsWithFileAndLine()
 {
     QTemporaryFile file;
     QVERIFY(file.open());
@@ -160,7 +160,7 @@ void ProgramTest::malformedScenarioEndsWithFileAndLine()
         QStringLiteral("velunor-simulator: %1:3: expected ").arg(file.fileName())));
 }
 
-void ProgramTest::withoutBrokerEndsWithItsStatus()
+void TestProgram::withoutBrokerEndsWithItsStatus()
 {
     SimulatorProgram simulator;
     QVERIFY(simulator.start({ "--broker-port", "18830" }));
@@ -169,7 +169,7 @@ void ProgramTest::withoutBrokerEndsWithItsStatus()
     QVERIFY(simulator.waitForLine("velunor-simulator: no broker answers at 127.0.0.1:18830"));
 }
 
-void ProgramTest::takenPortEndsWithItsStatus()
+void TestProgram::takenPortEndsWithItsStatus()
 {
     QTcpServer other;
     QVERIFY(other.listen(QHostAddress::LocalHost, 8080));
@@ -181,7 +181,7 @@ void ProgramTest::takenPortEndsWithItsStatus()
         "velunor-simulator: cannot be the web service on port 8080: The bound address is"));
 }
 
-void ProgramTest::retainedMessagesAwaitThoseWhoComeLater()
+void TestProgram::retainedMessagesAwaitThoseWhoComeLater()
 {
     Broker broker;
     QVERIFY(broker.start());
@@ -198,7 +198,7 @@ void ProgramTest::retainedMessagesAwaitThoseWhoComeLater()
     QVERIFY(simulator.stop());
 }
 
-void ProgramTest::obeysAndPrintsCommands()
+void TestProgram::obeysAndPrintsCommands()
 {
     Appliance appliance;
     QVERIFY(appliance.start());
@@ -218,7 +218,7 @@ void ProgramTest::obeysAndPrintsCommands()
     QVERIFY(simulator.stop());
 }
 
-void ProgramTest::printsWhatTheDisplayTells()
+void TestProgram::printsWhatTheDisplayTells()
 {
     Broker broker;
     QVERIFY(broker.start());
@@ -234,7 +234,7 @@ void ProgramTest::printsWhatTheDisplayTells()
     QVERIFY(simulator.waitForLine("brightness: 150"));
 }
 
-void ProgramTest::timePassesOnlyWithMusic()
+void TestProgram::timePassesOnlyWithMusic()
 {
     Appliance appliance;
     QVERIFY(appliance.start({ "--speed", "100" }));
@@ -248,7 +248,7 @@ void ProgramTest::timePassesOnlyWithMusic()
     QCOMPARE(display.messages().size(), 0);
 }
 
-void ProgramTest::servesCoverArtWhereItSays()
+void TestProgram::servesCoverArtWhereItSays()
 {
     Appliance appliance;
     QVERIFY(appliance.start());
@@ -271,7 +271,7 @@ void ProgramTest::servesCoverArtWhereItSays()
     QCOMPARE(failing->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), 500);
 }
 
-void ProgramTest::installsAnUpdateWhenAsked()
+void TestProgram::installsAnUpdateWhenAsked()
 {
     Appliance appliance;
     QVERIFY(appliance.start({ "--speed", "50" }));
@@ -288,7 +288,7 @@ void ProgramTest::installsAnUpdateWhenAsked()
     QVERIFY(simulator.waitForLine("update: done"));
 }
 
-void ProgramTest::takesFaultsAtRunTime()
+void TestProgram::takesFaultsAtRunTime()
 {
     Appliance appliance;
     QVERIFY(appliance.start());
@@ -324,7 +324,7 @@ void ProgramTest::takesFaultsAtRunTime()
     QCOMPARE(simulator.exitStatus(), 0);
 }
 
-void ProgramTest::faultWithoutEffectIsRefused_data()
+void TestProgram::faultWithoutEffectIsRefused_data()
 {
     QTest::addColumn<QStringList>("before");
     QTest::addColumn<QString>("fault");
@@ -335,7 +335,7 @@ void ProgramTest::faultWithoutEffectIsRefused_data()
     QTest::newRow("group of one") << QStringList() << "ungroup zone=Kitchen";
 }
 
-void ProgramTest::faultWithoutEffectIsRefused()
+void TestProgram::faultWithoutEffectIsRefused()
 {
     QFETCH(QStringList, before);
     QFETCH(QString, fault);
@@ -351,7 +351,7 @@ void ProgramTest::faultWithoutEffectIsRefused()
     QVERIFY(simulator.lines().filter("playing: Kitchen").isEmpty());
 }
 
-void ProgramTest::payloadsAreOneReadableLine()
+void TestProgram::payloadsAreOneReadableLine()
 {
     Appliance appliance;
     QVERIFY(appliance.start());
@@ -365,7 +365,7 @@ void ProgramTest::payloadsAreOneReadableLine()
     QVERIFY(simulator.stop());
 }
 
-void ProgramTest::worksWithoutStandardOutput()
+void TestProgram::worksWithoutStandardOutput()
 {
     // Whatever takes the place of a closed descriptor must not get the lines.
     Broker broker;
@@ -385,7 +385,7 @@ void ProgramTest::worksWithoutStandardOutput()
     QCOMPARE(shell.exitCode(), 0);
 }
 
-void ProgramTest::endsInOrderWhenNobodyReads()
+void TestProgram::endsInOrderWhenNobodyReads()
 {
     Broker broker;
     QVERIFY(broker.start());
@@ -398,7 +398,7 @@ void ProgramTest::endsInOrderWhenNobodyReads()
     QCOMPARE(reader.readAllStandardError(), QByteArray("status 0\n"));
 }
 
-void ProgramTest::silentBrokerIsNamed()
+void TestProgram::silentBrokerIsNamed()
 {
     QTcpServer silent;
     QVERIFY(silent.listen(QHostAddress::LocalHost));
@@ -409,7 +409,7 @@ void ProgramTest::silentBrokerIsNamed()
     QVERIFY(simulator.stop());
 }
 
-void ProgramTest::returnsToARestartedBroker()
+void TestProgram::returnsToARestartedBroker()
 {
     Broker broker;
     QVERIFY(broker.start());
@@ -435,7 +435,7 @@ void ProgramTest::returnsToARestartedBroker()
     }
 }
 
-void ProgramTest::floodIsCompleteAndTheTruthReturns()
+void TestProgram::floodIsCompleteAndTheTruthReturns()
 {
     Appliance appliance;
     QVERIFY(appliance.start());
@@ -454,7 +454,7 @@ void ProgramTest::floodIsCompleteAndTheTruthReturns()
     QCOMPARE(floods, 250);
 }
 
-void ProgramTest::noiseIsFollowedByTheTruth()
+void TestProgram::noiseIsFollowedByTheTruth()
 {
     Appliance appliance;
     QVERIFY(appliance.start());
@@ -477,7 +477,7 @@ void ProgramTest::noiseIsFollowedByTheTruth()
     QVERIFY(simulator.isRunning());
 }
 
-void ProgramTest::sameSeedSameMessages()
+void TestProgram::sameSeedSameMessages()
 {
     const auto songs = [](const char *seed) {
         Appliance appliance;
@@ -498,7 +498,7 @@ void ProgramTest::sameSeedSameMessages()
     QVERIFY(songs("8") != first);
 }
 
-void ProgramTest::firstStepsAreTrueFromTheBeginning()
+void TestProgram::firstStepsAreTrueFromTheBeginning()
 {
     Appliance appliance;
     QVERIFY(appliance.start({ "--scenario", "first-boot", "--speed", "0" }));
@@ -510,7 +510,7 @@ void ProgramTest::firstStepsAreTrueFromTheBeginning()
     QCOMPARE(display.payloads(zoneTopic("state")), QList<QByteArray>());
 }
 
-void ProgramTest::signalsEndItInOrder()
+void TestProgram::signalsEndItInOrder()
 {
     Broker broker;
     QVERIFY(broker.start());
@@ -524,5 +524,5 @@ void ProgramTest::signalsEndItInOrder()
     QCOMPARE(broker.lines(QRegularExpression("^Received DISCONNECT from")).size(), 2);
 }
 
-QTEST_GUILESS_MAIN(ProgramTest)
+QTEST_GUILESS_MAIN(TestProgram)
 #include "tst_program.moc"

@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-class RemoteCommandTest : public QObject {
+class TestRemoteCommand : public QObject {
     Q_OBJECT
 
 private slots:
@@ -13,7 +13,7 @@ private slots:
     void malformedIsInvalidWithAReason();
 };
 
-void RemoteCommandTest::understands_data()
+void TestRemoteCommand::understands_data()
 {
     QTest::addColumn<QByteArray>("payload");
     QTest::addColumn<int>("kind");
@@ -42,7 +42,7 @@ void RemoteCommandTest::understands_data()
         "toggle standby (for the display)");
 }
 
-void RemoteCommandTest::understands()
+void TestRemoteCommand::understands()
 {
     QFETCH(QByteArray, payload);
     QFETCH(int, kind);
@@ -54,7 +54,7 @@ void RemoteCommandTest::understands()
         command.zoneId, kind == RemoteCommand::ToggleStandby ? QString() : QStringLiteral("Z"));
 }
 
-void RemoteCommandTest::malformedIsInvalidWithAReason_data()
+void TestRemoteCommand::malformedIsInvalidWithAReason_data()
 {
     QTest::addColumn<QByteArray>("payload");
     const char *const payloads[] = { "", "{", "[]", "7", "\xff\xfe", "{}", R"({"command":7})",
@@ -70,7 +70,7 @@ void RemoteCommandTest::malformedIsInvalidWithAReason_data()
         QTest::newRow(payload) << QByteArray(payload);
 }
 
-void RemoteCommandTest::malformedIsInvalidWithAReason()
+void TestRemoteCommand::malformedIsInvalidWithAReason()
 {
     QFETCH(QByteArray, payload);
     const RemoteCommand command = RemoteCommand::parse(payload);
@@ -78,5 +78,5 @@ void RemoteCommandTest::malformedIsInvalidWithAReason()
     QVERIFY(!command.error.isEmpty());
 }
 
-QTEST_GUILESS_MAIN(RemoteCommandTest)
+QTEST_GUILESS_MAIN(TestRemoteCommand)
 #include "tst_remotecommand.moc"

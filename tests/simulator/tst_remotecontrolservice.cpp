@@ -14,7 +14,7 @@
 #include <memory>
 
 /** What subscribers would know after each step: the last payload of every topic. */
-class RemoteControlServiceTest : public QObject {
+class TestRemoteControlService : public QObject {
     Q_OBJECT
 
 private slots:
@@ -49,7 +49,7 @@ private:
     QString m_reason;
 };
 
-void RemoteControlServiceTest::init()
+void TestRemoteControlService::init()
 {
     m_broker.clear();
     m_published = 0;
@@ -64,19 +64,19 @@ void RemoteControlServiceTest::init()
         });
 }
 
-void RemoteControlServiceTest::send(const char *payload)
+void TestRemoteControlService::send(const char *payload)
 {
     QByteArray bytes(payload);
     bytes.replace("ID", m_service->mainZone()->id().toUtf8());
     m_obeyed = m_service->obey(RemoteCommand::parse(bytes), &m_reason);
 }
 
-QByteArray RemoteControlServiceTest::inZone(const char *key, int zone) const
+QByteArray TestRemoteControlService::inZone(const char *key, int zone) const
 {
     return m_broker.value(Topics::zone(Library::zones().at(zone).id, key), "(missing)");
 }
 
-QStringList RemoteControlServiceTest::available() const
+QStringList TestRemoteControlService::available() const
 {
     QStringList names;
     const QJsonArray list
@@ -89,7 +89,7 @@ QStringList RemoteControlServiceTest::available() const
     return names;
 }
 
-void RemoteControlServiceTest::publishesNothingBeforeTheStart()
+void TestRemoteControlService::publishesNothingBeforeTheStart()
 {
     m_service->mainZone()->play();
     m_service->group({ QString(), QStringLiteral("Kitchen") });
@@ -102,7 +102,7 @@ void RemoteControlServiceTest::publishesNothingBeforeTheStart()
     QCOMPARE(m_broker.value(Topics::availableZones()), QByteArray("[]"));
 }
 
-void RemoteControlServiceTest::publishesEverythingRetained()
+void TestRemoteControlService::publishesEverythingRetained()
 {
     m_service->start(QStringLiteral("127.0.0.1:4711"));
     QVERIFY(m_allRetained);
@@ -168,7 +168,7 @@ void RemoteControlServiceTest::publishesEverythingRetained()
     QCOMPARE(inZone("volume/value", 3), QByteArray("(missing)"));
 }
 
-void RemoteControlServiceTest::obeysEachCommand()
+void TestRemoteControlService::obeysEachCommand()
 {
     m_service->start(QString());
     send(R"({"command":"playpause","zone_id":"ID"})");
@@ -201,7 +201,7 @@ void RemoteControlServiceTest::obeysEachCommand()
     QCOMPARE(m_published, before);
 }
 
-void RemoteControlServiceTest::volumeCommandsAreClamped()
+void TestRemoteControlService::volumeCommandsAreClamped()
 {
     m_service->start(QString());
     send(R"({"command":"set_volume","how":"absolute","value":1000.0,"zone_id":"ID"})");
@@ -212,7 +212,7 @@ void RemoteControlServiceTest::volumeCommandsAreClamped()
     QCOMPARE(inZone("volume/value"), QByteArray("0"));
 }
 
-void RemoteControlServiceTest::commandForNobodyIsRefused_data()
+void TestRemoteControlService::commandForNobodyIsRefused_data()
 {
     QTest::addColumn<QByteArray>("payload");
     QTest::newRow("unknown zone") << QByteArray(R"({"command":"next","zone_id":"ghost"})");
@@ -222,7 +222,7 @@ void RemoteControlServiceTest::commandForNobodyIsRefused_data()
         R"({"command":"set_loopmode","loop":"x","zone_id":"ID"})");
 }
 
-void RemoteControlServiceTest::commandForNobodyIsRefused()
+void TestRemoteControlService::commandForNobodyIsRefused()
 {
     QFETCH(QByteArray, payload);
     m_service->start(QString());
@@ -233,7 +233,7 @@ void RemoteControlServiceTest::commandForNobodyIsRefused()
     QCOMPARE(m_published, before);
 }
 
-void RemoteControlServiceTest::withoutCoreThereAreNoZonesAndNoTime()
+void TestRemoteControlService::withoutCoreThereAreNoZonesAndNoTime()
 {
     m_service->start(QString());
     m_service->mainZone()->play();
@@ -249,7 +249,7 @@ void RemoteControlServiceTest::withoutCoreThereAreNoZonesAndNoTime()
     QCOMPARE(m_published, before);
 }
 
-void RemoteControlServiceTest::returningZonesAreToldWhole()
+void TestRemoteControlService::returningZonesAreToldWhole()
 {
     m_service->start(QString());
     m_service->mainZone()->play();
@@ -261,7 +261,7 @@ void RemoteControlServiceTest::returningZonesAreToldWhole()
     QCOMPARE(inZone("name", 1), QByteArray("Kitchen"));
 }
 
-void RemoteControlServiceTest::groupTakesTheFollowersIn()
+void TestRemoteControlService::groupTakesTheFollowersIn()
 {
     m_service->start(QString());
     ZoneSimulation *const kitchen = m_service->zone(QStringLiteral("Kitchen"));
@@ -279,7 +279,7 @@ void RemoteControlServiceTest::groupTakesTheFollowersIn()
     QCOMPARE(inZone("name", 1), QByteArray("Kitchen"));
 }
 
-void RemoteControlServiceTest::groupFromOtherGroupsDissolvesThem()
+void TestRemoteControlService::groupFromOtherGroupsDissolvesThem()
 {
     m_service->start(QString());
     QVERIFY(m_service->group({ QStringLiteral("Kitchen"), QStringLiteral("Bath") }));
@@ -291,7 +291,7 @@ void RemoteControlServiceTest::groupFromOtherGroupsDissolvesThem()
     QVERIFY(available().contains(QStringLiteral("Bath")));
 }
 
-void RemoteControlServiceTest::groupOfOneIsRefused()
+void TestRemoteControlService::groupOfOneIsRefused()
 {
     m_service->start(QString());
     const int before = m_published;
@@ -303,7 +303,7 @@ void RemoteControlServiceTest::groupOfOneIsRefused()
     QCOMPARE(m_published, before);
 }
 
-void RemoteControlServiceTest::removedZoneStopsAndLeavesItsGroup()
+void TestRemoteControlService::removedZoneStopsAndLeavesItsGroup()
 {
     m_service->start(QString());
     m_service->group({ QString(), QStringLiteral("Kitchen") });
@@ -318,7 +318,7 @@ void RemoteControlServiceTest::removedZoneStopsAndLeavesItsGroup()
     QCOMPARE(inZone("state"), QByteArray("stopped"));
 }
 
-void RemoteControlServiceTest::renamedZoneHasANewNameEverywhere()
+void TestRemoteControlService::renamedZoneHasANewNameEverywhere()
 {
     m_service->start(QString());
     m_service->group({ QString(), QStringLiteral("Kitchen") });
@@ -330,7 +330,7 @@ void RemoteControlServiceTest::renamedZoneHasANewNameEverywhere()
     QCOMPARE(inZone("name"), QByteArray("Den + Kitchen"));
 }
 
-void RemoteControlServiceTest::connectionFlagIsPublished()
+void TestRemoteControlService::connectionFlagIsPublished()
 {
     m_service->start(QString());
     m_service->setConnected(false);
@@ -339,7 +339,7 @@ void RemoteControlServiceTest::connectionFlagIsPublished()
     QCOMPARE(m_broker.value(Topics::connected()), QByteArray("true"));
 }
 
-void RemoteControlServiceTest::playingChangedFollowsTheZones()
+void TestRemoteControlService::playingChangedFollowsTheZones()
 {
     m_service->start(QString());
     QSignalSpy changed(m_service.get(), &RemoteControlService::playingChanged);
@@ -352,5 +352,5 @@ void RemoteControlServiceTest::playingChangedFollowsTheZones()
     QCOMPARE(changed.count(), 2);
 }
 
-QTEST_GUILESS_MAIN(RemoteControlServiceTest)
+QTEST_GUILESS_MAIN(TestRemoteControlService)
 #include "tst_remotecontrolservice.moc"

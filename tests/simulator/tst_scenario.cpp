@@ -11,7 +11,7 @@
 #include <QDir>
 #include <QTest>
 
-class ScenarioTest : public QObject {
+class TestScenario : public QObject {
     Q_OBJECT
 
 private slots:
@@ -31,7 +31,7 @@ private:
     static void files();
 };
 
-void ScenarioTest::files()
+void TestScenario::files()
 {
     QTest::addColumn<QString>("file");
     const QFileInfoList found = QDir(QStringLiteral(TOUCHUI_CHECKOUT "/scenarios"))
@@ -40,7 +40,7 @@ void ScenarioTest::files()
         QTest::newRow(qPrintable(file.completeBaseName())) << file.filePath();
 }
 
-void ScenarioTest::everyNamedScenarioIsThere()
+void TestScenario::everyNamedScenarioIsThere()
 {
     const char *const names[] = { "first-boot", "playing", "radio", "grouped", "paused-to-clock",
         "zone-missing", "core-lost", "update", "flood", "hostile", "soak" };
@@ -52,7 +52,7 @@ void ScenarioTest::everyNamedScenarioIsThere()
     }
 }
 
-void ScenarioTest::everyFileParses()
+void TestScenario::everyFileParses()
 {
     QFETCH(QString, file);
     Scenario scenario;
@@ -62,7 +62,7 @@ void ScenarioTest::everyFileParses()
     QVERIFY(!scenario.description().isEmpty());
 }
 
-void ScenarioTest::everyActionInAFileCanBeCarriedOut()
+void TestScenario::everyActionInAFileCanBeCarriedOut()
 {
     QFETCH(QString, file);
     Scenario scenario;
@@ -89,7 +89,7 @@ void ScenarioTest::everyActionInAFileCanBeCarriedOut()
     }
 }
 
-void ScenarioTest::readsEveryMember()
+void TestScenario::readsEveryMember()
 {
     Scenario scenario;
     QString problem;
@@ -114,7 +114,7 @@ void ScenarioTest::readsEveryMember()
     QCOMPARE(int(steps.at(3).kind), int(Scenario::Step::Repeat));
 }
 
-void ScenarioTest::emptyArrayIsAScenario()
+void TestScenario::emptyArrayIsAScenario()
 {
     Scenario scenario;
     QString problem;
@@ -123,7 +123,7 @@ void ScenarioTest::emptyArrayIsAScenario()
     QVERIFY(scenario.description().isEmpty());
 }
 
-void ScenarioTest::malformedTellsFileLineAndExpectation_data()
+void TestScenario::malformedTellsFileLineAndExpectation_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("problem");
@@ -206,7 +206,7 @@ void ScenarioTest::malformedTellsFileLineAndExpectation_data()
         "found \"repeat\"");
 }
 
-void ScenarioTest::malformedTellsFileLineAndExpectation()
+void TestScenario::malformedTellsFileLineAndExpectation()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, problem);
@@ -217,7 +217,7 @@ void ScenarioTest::malformedTellsFileLineAndExpectation()
     QVERIFY(scenario.steps().isEmpty());
 }
 
-void ScenarioTest::knowsTheNamesThatZonesGetAndHave()
+void TestScenario::knowsTheNamesThatZonesGetAndHave()
 {
     const QByteArray text = R"([
         { "after_ms": 0, "action": "pause", "zone": "Bathroom" },
@@ -230,7 +230,7 @@ void ScenarioTest::knowsTheNamesThatZonesGetAndHave()
         qPrintable(problem));
 }
 
-void ScenarioTest::unreadableFileIsTold()
+void TestScenario::unreadableFileIsTold()
 {
     Scenario scenario;
     QString problem;
@@ -238,5 +238,5 @@ void ScenarioTest::unreadableFileIsTold()
     QVERIFY(problem.startsWith(QLatin1String("/nowhere/x.json: cannot be read")));
 }
 
-QTEST_GUILESS_MAIN(ScenarioTest)
+QTEST_GUILESS_MAIN(TestScenario)
 #include "tst_scenario.moc"

@@ -6,7 +6,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-class ScenarioPlayerTest : public QObject {
+class TestScenarioPlayer : public QObject {
     Q_OBJECT
 
 private slots:
@@ -21,7 +21,7 @@ private:
     static Scenario scenario(const QByteArray &text);
 };
 
-Scenario ScenarioPlayerTest::scenario(const QByteArray &text)
+Scenario TestScenarioPlayer::scenario(const QByteArray &text)
 {
     Scenario parsed;
     QString problem;
@@ -30,7 +30,7 @@ Scenario ScenarioPlayerTest::scenario(const QByteArray &text)
     return parsed;
 }
 
-void ScenarioPlayerTest::stepsWithoutTimeComeFirstAndAtOnce()
+void TestScenarioPlayer::stepsWithoutTimeComeFirstAndAtOnce()
 {
     ScenarioPlayer player(scenario(R"([ { "after_ms": 0, "topic": "a", "payload": "1" },
         { "after_ms": 0, "action": "play" }, { "after_ms": 1, "topic": "b", "payload": "" },
@@ -47,7 +47,7 @@ void ScenarioPlayerTest::stepsWithoutTimeComeFirstAndAtOnce()
     QVERIFY(player.isAtEnd());
 }
 
-void ScenarioPlayerTest::laterStepsComeInOrder()
+void TestScenarioPlayer::laterStepsComeInOrder()
 {
     ScenarioPlayer player(scenario(R"([ { "after_ms": 60000, "topic": "a", "payload": "1" },
         { "after_ms": 60000, "topic": "b", "payload": "2", "retain": true } ])"),
@@ -63,7 +63,7 @@ void ScenarioPlayerTest::laterStepsComeInOrder()
     QCOMPARE(messages.at(1).at(2).toBool(), true);
 }
 
-void ScenarioPlayerTest::slowestSpeedWaitsAsLongAsATimerCan()
+void TestScenarioPlayer::slowestSpeedWaitsAsLongAsATimerCan()
 {
     QCOMPARE(realMs(3000, 2), 1500);
     QCOMPARE(realMs(1, 1000), 0);
@@ -78,7 +78,7 @@ void ScenarioPlayerTest::slowestSpeedWaitsAsLongAsATimerCan()
     QCOMPARE(messages.count(), 0);
 }
 
-void ScenarioPlayerTest::timeStandsStillAtSpeedZero()
+void TestScenarioPlayer::timeStandsStillAtSpeedZero()
 {
     ScenarioPlayer player(scenario(R"([ { "after_ms": 0, "topic": "a", "payload": "" },
         { "after_ms": 1, "topic": "b", "payload": "" } ])"),
@@ -90,7 +90,7 @@ void ScenarioPlayerTest::timeStandsStillAtSpeedZero()
     QCOMPARE(messages.count(), 1);
 }
 
-void ScenarioPlayerTest::repeatBeginsAnew()
+void TestScenarioPlayer::repeatBeginsAnew()
 {
     ScenarioPlayer player(scenario(R"([ { "after_ms": 0, "topic": "a", "payload": "" },
         { "after_ms": 5, "topic": "b", "payload": "" }, { "after_ms": 0, "action": "repeat" } ])"),
@@ -105,7 +105,7 @@ void ScenarioPlayerTest::repeatBeginsAnew()
     QVERIFY(!player.isAtEnd());
 }
 
-void ScenarioPlayerTest::emptyScenarioIsFinishedAtOnce()
+void TestScenarioPlayer::emptyScenarioIsFinishedAtOnce()
 {
     ScenarioPlayer player(scenario("[]"), 1);
     QSignalSpy finished(&player, &ScenarioPlayer::finished);
@@ -114,5 +114,5 @@ void ScenarioPlayerTest::emptyScenarioIsFinishedAtOnce()
     QCOMPARE(finished.count(), 1);
 }
 
-QTEST_GUILESS_MAIN(ScenarioPlayerTest)
+QTEST_GUILESS_MAIN(TestScenarioPlayer)
 #include "tst_scenarioplayer.moc"

@@ -7,7 +7,7 @@
 #include <QTest>
 
 /** What subscribers would know: the last payload of every topic. */
-class StateServiceTest : public QObject {
+class TestStateService : public QObject {
     Q_OBJECT
 
 private slots:
@@ -18,7 +18,7 @@ private slots:
     void nothingBeforeTheStart();
 };
 
-void StateServiceTest::publishesStateAndSettingsRetained()
+void TestStateService::publishesStateAndSettingsRetained()
 {
     StateService service(1);
     QHash<QString, QByteArray> broker;
@@ -55,7 +55,7 @@ void StateServiceTest::publishesStateAndSettingsRetained()
         }));
 }
 
-void StateServiceTest::updateGoesThroughItsStages()
+void TestStateService::updateGoesThroughItsStages()
 {
     StateService service(1000);
     QHash<QString, QByteArray> broker;
@@ -92,7 +92,7 @@ void StateServiceTest::updateGoesThroughItsStages()
     QCOMPARE(broker.value(Topics::state("WebIfaceIsUp")), QByteArray("true"));
 }
 
-void StateServiceTest::updateIsRefusedWithoutAnyOffer()
+void TestStateService::updateIsRefusedWithoutAnyOffer()
 {
     StateService service(1);
     QString reason;
@@ -104,7 +104,7 @@ void StateServiceTest::updateIsRefusedWithoutAnyOffer()
     QVERIFY(!service.isInstalling());
 }
 
-void StateServiceTest::updateIsRefusedWhileHeldBack()
+void TestStateService::updateIsRefusedWhileHeldBack()
 {
     StateService service(1);
     service.offerUpdate(QStringLiteral("2.0"));
@@ -116,7 +116,7 @@ void StateServiceTest::updateIsRefusedWhileHeldBack()
     QVERIFY(service.installUpdate(&reason));
 }
 
-void StateServiceTest::nothingBeforeTheStart()
+void TestStateService::nothingBeforeTheStart()
 {
     StateService service(1);
     int published = 0;
@@ -125,5 +125,5 @@ void StateServiceTest::nothingBeforeTheStart()
     QCOMPARE(published, 0);
 }
 
-QTEST_GUILESS_MAIN(StateServiceTest)
+QTEST_GUILESS_MAIN(TestStateService)
 #include "tst_stateservice.moc"

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-class WebServiceTest : public QObject {
+class TestWebService : public QObject {
     Q_OBJECT
 
 private slots:
@@ -15,7 +15,7 @@ private slots:
     void answers();
 };
 
-void WebServiceTest::answers_data()
+void TestWebService::answers_data()
 {
     QTest::addColumn<QByteArray>("method");
     QTest::addColumn<QString>("path");
@@ -30,7 +30,7 @@ void WebServiceTest::answers_data()
                                 << true << 404 << 0;
 }
 
-void WebServiceTest::answers()
+void TestWebService::answers()
 {
     QFETCH(QByteArray, method);
     QFETCH(QString, path);
@@ -58,5 +58,5 @@ void WebServiceTest::answers()
     QVERIFY(told.first().contains(path));
 }
 
-QTEST_GUILESS_MAIN(WebServiceTest)
+QTEST_GUILESS_MAIN(TestWebService)
 #include "tst_webservice.moc"

@@ -10,7 +10,7 @@
 #include <limits>
 
 /** Three tracks of 10, 20 and 30 seconds. */
-class ZoneSimulationTest : public QObject {
+class TestZoneSimulation : public QObject {
     Q_OBJECT
 
 private slots:
@@ -50,7 +50,7 @@ private:
     ZoneSimulation *m_zone = nullptr;
 };
 
-void ZoneSimulationTest::init()
+void TestZoneSimulation::init()
 {
     m_random.seed(1);
     m_album.name = QStringLiteral("Album");
@@ -69,7 +69,7 @@ void ZoneSimulationTest::init()
     m_zone->setQueue({ &m_album });
 }
 
-QByteArray ZoneSimulationTest::value(const char *key) const
+QByteArray TestZoneSimulation::value(const char *key) const
 {
     const QVector<ZoneSimulation::Property> properties = m_zone->properties();
     for (const ZoneSimulation::Property &property : properties) {
@@ -79,7 +79,7 @@ QByteArray ZoneSimulationTest::value(const char *key) const
     return "(missing)";
 }
 
-void ZoneSimulationTest::beginsStoppedWithNothing()
+void TestZoneSimulation::beginsStoppedWithNothing()
 {
     m_zone->setQueue({});
     QCOMPARE(value("state"), QByteArray("stopped"));
@@ -93,7 +93,7 @@ void ZoneSimulationTest::beginsStoppedWithNothing()
     QCOMPARE(value("state"), QByteArray("stopped"));
 }
 
-void ZoneSimulationTest::playsPausesAndStops()
+void TestZoneSimulation::playsPausesAndStops()
 {
     QVERIFY(m_zone->playPause());
     QCOMPARE(value("state"), QByteArray("playing"));
@@ -110,7 +110,7 @@ void ZoneSimulationTest::playsPausesAndStops()
     QCOMPARE(value("nowPlaying/seekPosition"), QByteArray("0"));
 }
 
-void ZoneSimulationTest::advancesOnlyWhilePlaying()
+void TestZoneSimulation::advancesOnlyWhilePlaying()
 {
     m_zone->advance(3000);
     QCOMPARE(value("nowPlaying/seekPosition"), QByteArray("0"));
@@ -123,7 +123,7 @@ void ZoneSimulationTest::advancesOnlyWhilePlaying()
     QCOMPARE(value("nowPlaying/seekPosition"), QByteArray("3"));
 }
 
-void ZoneSimulationTest::tracksEnd()
+void TestZoneSimulation::tracksEnd()
 {
     m_zone->play();
     m_zone->advance(9999);
@@ -137,7 +137,7 @@ void ZoneSimulationTest::tracksEnd()
     QCOMPARE(started.count(), 1);
 }
 
-void ZoneSimulationTest::longTimeEndsSeveralTracks()
+void TestZoneSimulation::longTimeEndsSeveralTracks()
 {
     m_zone->play();
     m_zone->advance(31500);
@@ -145,7 +145,7 @@ void ZoneSimulationTest::longTimeEndsSeveralTracks()
     QCOMPARE(value("nowPlaying/seekPosition"), QByteArray("1"));
 }
 
-void ZoneSimulationTest::stopsAfterTheLastTrack()
+void TestZoneSimulation::stopsAfterTheLastTrack()
 {
     m_zone->play();
     m_zone->advance(1000000);
@@ -154,7 +154,7 @@ void ZoneSimulationTest::stopsAfterTheLastTrack()
     QCOMPARE(value("nowPlaying/seekPosition"), QByteArray("0"));
 }
 
-void ZoneSimulationTest::loopBeginsAnew()
+void TestZoneSimulation::loopBeginsAnew()
 {
     QVERIFY(m_zone->setLoop(QStringLiteral("loop")));
     m_zone->play();
@@ -164,7 +164,7 @@ void ZoneSimulationTest::loopBeginsAnew()
     QCOMPARE(value("nowPlaying/seekPosition"), QByteArray("2"));
 }
 
-void ZoneSimulationTest::loopOneRepeatsTheTrack()
+void TestZoneSimulation::loopOneRepeatsTheTrack()
 {
     QVERIFY(m_zone->setLoop(QStringLiteral("loop_one")));
     m_zone->play();
@@ -175,7 +175,7 @@ void ZoneSimulationTest::loopOneRepeatsTheTrack()
     QCOMPARE(m_zone->song(), QStringLiteral("Two"));
 }
 
-void ZoneSimulationTest::autoRadioGoesOnWithOtherMusic()
+void TestZoneSimulation::autoRadioGoesOnWithOtherMusic()
 {
     m_zone->setAutoRadio(true);
     m_zone->play();
@@ -186,7 +186,7 @@ void ZoneSimulationTest::autoRadioGoesOnWithOtherMusic()
     QCOMPARE(changed.count(), 0);
 }
 
-void ZoneSimulationTest::nextGoesOnWithOtherMusicToo()
+void TestZoneSimulation::nextGoesOnWithOtherMusicToo()
 {
     m_zone->setQueue({ &m_album }, 2);
     QCOMPARE(value("is_next_allowed"), QByteArray("false"));
@@ -197,7 +197,7 @@ void ZoneSimulationTest::nextGoesOnWithOtherMusicToo()
     QCOMPARE(value("state"), QByteArray("stopped"));
 }
 
-void ZoneSimulationTest::nextEndsAtTheLastTrack()
+void TestZoneSimulation::nextEndsAtTheLastTrack()
 {
     QVERIFY(m_zone->next());
     QVERIFY(m_zone->next());
@@ -210,7 +210,7 @@ void ZoneSimulationTest::nextEndsAtTheLastTrack()
     QCOMPARE(m_zone->song(), QStringLiteral("One"));
 }
 
-void ZoneSimulationTest::previousBeginsAnewFirst()
+void TestZoneSimulation::previousBeginsAnewFirst()
 {
     m_zone->next();
     m_zone->play();
@@ -224,7 +224,7 @@ void ZoneSimulationTest::previousBeginsAnewFirst()
     QCOMPARE(m_zone->song(), QStringLiteral("One"));
 }
 
-void ZoneSimulationTest::seeksWithinTheTrack()
+void TestZoneSimulation::seeksWithinTheTrack()
 {
     QVERIFY(m_zone->seek(7));
     QCOMPARE(value("nowPlaying/seekPosition"), QByteArray("7"));
@@ -234,7 +234,7 @@ void ZoneSimulationTest::seeksWithinTheTrack()
     QCOMPARE(value("nowPlaying/seekPosition"), QByteArray("9"));
 }
 
-void ZoneSimulationTest::shuffleKeepsTheTrackAndPlaysEachOnce()
+void TestZoneSimulation::shuffleKeepsTheTrackAndPlaysEachOnce()
 {
     QVector<const Album *> everything;
     int count = 0;
@@ -256,7 +256,7 @@ void ZoneSimulationTest::shuffleKeepsTheTrackAndPlaysEachOnce()
     QVERIFY(value("settings/shuffle") == "false");
 }
 
-void ZoneSimulationTest::radioCannotSeekSkipOrPause()
+void TestZoneSimulation::radioCannotSeekSkipOrPause()
 {
     m_zone->setQueue({ &m_station });
     QVERIFY(m_zone->play());
@@ -276,14 +276,14 @@ void ZoneSimulationTest::radioCannotSeekSkipOrPause()
     QCOMPARE(value("state"), QByteArray("stopped"));
 }
 
-void ZoneSimulationTest::unknownLoopModeIsRefused()
+void TestZoneSimulation::unknownLoopModeIsRefused()
 {
     QVERIFY(!m_zone->setLoop(QStringLiteral("backwards")));
     QVERIFY(!m_zone->setLoop(QString()));
     QCOMPARE(value("settings/loop"), QByteArray("disabled"));
 }
 
-void ZoneSimulationTest::volumeIsClampedToTheHardLimits_data()
+void TestZoneSimulation::volumeIsClampedToTheHardLimits_data()
 {
     QTest::addColumn<double>("wanted");
     QTest::addColumn<QByteArray>("published");
@@ -296,7 +296,7 @@ void ZoneSimulationTest::volumeIsClampedToTheHardLimits_data()
     QTest::newRow("between two steps") << 33.3 << QByteArray("33");
 }
 
-void ZoneSimulationTest::volumeIsClampedToTheHardLimits()
+void TestZoneSimulation::volumeIsClampedToTheHardLimits()
 {
     QFETCH(double, wanted);
     QFETCH(QByteArray, published);
@@ -307,7 +307,7 @@ void ZoneSimulationTest::volumeIsClampedToTheHardLimits()
     QCOMPARE(value("volume/value"), published);
 }
 
-void ZoneSimulationTest::decibelsKeepHalfSteps()
+void TestZoneSimulation::decibelsKeepHalfSteps()
 {
     ZoneSimulation zone(Library::zones().at(2), &m_random);
     QVERIFY(zone.setVolume(-30));
@@ -319,7 +319,7 @@ void ZoneSimulationTest::decibelsKeepHalfSteps()
     QCOMPARE(zone.volume(), -5.0);
 }
 
-void ZoneSimulationTest::fixedVolumeIsRefused()
+void TestZoneSimulation::fixedVolumeIsRefused()
 {
     ZoneSimulation zone(Library::zones().at(3), &m_random);
     QSignalSpy changed(&zone, &ZoneSimulation::propertyChanged);
@@ -330,7 +330,7 @@ void ZoneSimulationTest::fixedVolumeIsRefused()
     QVERIFY(!m_zone->setVolume(std::numeric_limits<double>::quiet_NaN()));
 }
 
-void ZoneSimulationTest::reportsOnlyWhatChanged()
+void TestZoneSimulation::reportsOnlyWhatChanged()
 {
     m_zone->play();
     QSignalSpy changed(m_zone, &ZoneSimulation::propertyChanged);
@@ -344,7 +344,7 @@ void ZoneSimulationTest::reportsOnlyWhatChanged()
     QCOMPARE(changed.count(), 2 + m_zone->properties().size());
 }
 
-void ZoneSimulationTest::followersAreNamedAndListed()
+void TestZoneSimulation::followersAreNamedAndListed()
 {
     m_zone->setFollowers({ QStringLiteral("Hall"), QStringLiteral("Bath") });
     QCOMPARE(m_zone->name(), QStringLiteral("Room + Hall + Bath"));
@@ -354,7 +354,7 @@ void ZoneSimulationTest::followersAreNamedAndListed()
     QCOMPARE(value("name"), QByteArray("Room"));
 }
 
-void ZoneSimulationTest::sameSeedSameOrder()
+void TestZoneSimulation::sameSeedSameOrder()
 {
     const auto order = [](quint32 seed) {
         QRandomGenerator random(seed);
@@ -371,5 +371,5 @@ void ZoneSimulationTest::sameSeedSameOrder()
     QVERIFY(order(7) != order(8));
 }
 
-QTEST_GUILESS_MAIN(ZoneSimulationTest)
+QTEST_GUILESS_MAIN(TestZoneSimulation)
 #include "tst_zonesimulation.moc"
