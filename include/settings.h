@@ -123,6 +123,9 @@ signals:
 
 private:
     uint read(const QString &key, uint defaultValue) const;
+    /** What a setter does with a new value: log it after the words @p what, store it, notify. */
+    template <typename T>
+    void store(T &field, const T &value, const char *what, void (Settings::*changed)(T));
 
     QSettings m_file;
     uint m_brightness = 0;

@@ -62,6 +62,16 @@ uint Settings::read(const QString &key, uint defaultValue) const
     return isNumber ? value : defaultValue; // a damaged entry must not leave the panel dark
 }
 
+template <typename T>
+void Settings::store(T &field, const T &value, const char *what, void (Settings::*changed)(T))
+{
+    if (field == value)
+        return;
+    qDebug().noquote().nospace() << what << value;
+    field = value;
+    emit(this->*changed)(value);
+}
+
 QString Settings::clockColorRGB() const
 {
     if (m_clockColor == customColorName())
@@ -71,31 +81,20 @@ QString Settings::clockColorRGB() const
 
 void Settings::setLcdBrightness(uint value)
 {
-    if (m_brightness == value)
-        return;
-    qDebug().noquote().nospace() << "Settings::setLcdBrightness() " << value;
-    m_brightness = value;
-    emit lcdBrightnessChanged(value);
+    store(m_brightness, value, "Settings::setLcdBrightness() ", &Settings::lcdBrightnessChanged);
 }
 
 void Settings::setLcdClockBrightness(uint value)
 {
-    if (m_clockBrightness == value)
-        return;
-    qDebug().noquote().nospace() << "Settings::setLcdClockBrightness() " << value;
-    m_clockBrightness = value;
-    emit lcdClockBrightnessChanged(value);
+    store(m_clockBrightness, value, "Settings::setLcdClockBrightness() ",
+        &Settings::lcdClockBrightnessChanged);
 }
 
 void Settings::setLcdClockColor(const QString &name)
 {
     const bool known = name == customColorName() || colorTable().contains(name);
     const QString accepted = known ? name : QStringLiteral("grey");
-    if (m_clockColor == accepted)
-        return;
-    qDebug().noquote().nospace() << "Settings::setLcdClockColor() " << accepted;
-    m_clockColor = accepted;
-    emit lcdClockColorChanged(accepted);
+    store(m_clockColor, accepted, "Settings::setLcdClockColor() ", &Settings::lcdClockColorChanged);
 }
 
 void Settings::setLcdCustomClockColor(const QString &rgb)
@@ -108,29 +107,17 @@ void Settings::setLcdCustomClockColor(const QString &rgb)
 
 void Settings::setTimeFormat(bool value)
 {
-    if (m_timeFormat == value)
-        return;
-    qDebug().noquote().nospace() << "Settings::timeFormat write " << value;
-    m_timeFormat = value;
-    emit timeFormatChanged(value);
+    store(m_timeFormat, value, "Settings::timeFormat write ", &Settings::timeFormatChanged);
 }
 
 void Settings::setScrolling(bool value)
 {
-    if (m_scrolling == value)
-        return;
-    qDebug().noquote().nospace() << "Settings::scrolling write " << value;
-    m_scrolling = value;
-    emit scrollingChanged(value);
+    store(m_scrolling, value, "Settings::scrolling write ", &Settings::scrollingChanged);
 }
 
 void Settings::setBlankScreen(bool value)
 {
-    if (m_blankScreen == value)
-        return;
-    qDebug().noquote().nospace() << "Settings::blankScreen write " << value;
-    m_blankScreen = value;
-    emit blankScreenChanged(value);
+    store(m_blankScreen, value, "Settings::blankScreen write ", &Settings::blankScreenChanged);
 }
 
 void Settings::setScreenSaverTime(uint minutes)
@@ -142,29 +129,20 @@ void Settings::setScreenSaverTime(uint minutes)
 
 void Settings::setHidePowerButton(bool value)
 {
-    if (m_hidePowerButton == value)
-        return;
-    qDebug().noquote().nospace() << "Settings::hidePowerButton write " << value;
-    m_hidePowerButton = value;
-    emit hidePowerButtonChanged(value);
+    store(m_hidePowerButton, value, "Settings::hidePowerButton write ",
+        &Settings::hidePowerButtonChanged);
 }
 
 void Settings::setHideOptionsButtons(bool value)
 {
-    if (m_hideOptionsButtons == value)
-        return;
-    qDebug().noquote().nospace() << "Settings::setHideOptionsButtons write " << value;
-    m_hideOptionsButtons = value;
-    emit hideOptionsButtonsChanged(value);
+    store(m_hideOptionsButtons, value, "Settings::setHideOptionsButtons write ",
+        &Settings::hideOptionsButtonsChanged);
 }
 
 void Settings::setShowBlurBackground(bool value)
 {
-    if (m_showBlurBackground == value)
-        return;
-    qDebug().noquote().nospace() << "Settings::setShowBlurBackground write " << value;
-    m_showBlurBackground = value;
-    emit showBlurBackgroundChanged(value);
+    store(m_showBlurBackground, value, "Settings::setShowBlurBackground write ",
+        &Settings::showBlurBackgroundChanged);
 }
 
 void Settings::save()
