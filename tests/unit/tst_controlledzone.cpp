@@ -27,6 +27,8 @@ private slots:
 private:
     /** A zone object with a volume, as messages of the zone would make it. */
     static RoonZone *add(const QString &id, const QString &name);
+    /** Two zones with a volume; the player shows the controlled one. */
+    void showKitchenBesideBath();
     static void available(const QByteArray &json)
     {
         RoonZones::instance()->updateAvailableZones(json);
@@ -40,6 +42,14 @@ RoonZone *TestControlledZone::add(const QString &id, const QString &name)
     zone->setVolumeAvailable(true);
     RoonZones::instance()->add(zone);
     return zone;
+}
+
+void TestControlledZone::showKitchenBesideBath()
+{
+    available(R"([{"id":"z1","name":"Kitchen"},{"id":"z2","name":"Bath"}])");
+    m_zone->setVolumeAvailable(true);
+    add(QStringLiteral("z2"), QStringLiteral("Bath"));
+    m_player->update();
 }
 
 void TestControlledZone::isTheZoneOfTheCommands()
@@ -71,10 +81,7 @@ void TestControlledZone::aGroupAroundTheZoneIsNoticed()
 
 void TestControlledZone::aChosenZoneIsNoticed()
 {
-    available(R"([{"id":"z1","name":"Kitchen"},{"id":"z2","name":"Bath"}])");
-    m_zone->setVolumeAvailable(true);
-    add(QStringLiteral("z2"), QStringLiteral("Bath"));
-    m_player->update();
+    showKitchenBesideBath();
     const ControlledZone zone(m_player.get(), RoonZones::instance());
     QSignalSpy changed(&zone, &ControlledZone::zoneIdChanged);
     m_player->selectZone(QStringLiteral("Bath"));
@@ -151,10 +158,7 @@ void TestControlledZone::isNotShownBeforeItWasCopied()
 
 void TestControlledZone::isNotShownWhileAnotherIs()
 {
-    available(R"([{"id":"z1","name":"Kitchen"},{"id":"z2","name":"Bath"}])");
-    m_zone->setVolumeAvailable(true);
-    add(QStringLiteral("z2"), QStringLiteral("Bath"));
-    m_player->update();
+    showKitchenBesideBath();
     const ControlledZone zone(m_player.get(), RoonZones::instance());
     QSignalSpy changed(&zone, &ControlledZone::shownChanged);
     available(R"([{"id":"z2","name":"Kitchen"}])");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "coverartloader.h"
+#include "coverbehaviour.h"
 #include "imageprovider.h"
-#include "testkit/services/imageserver.h"
 #include "logcapture.h"
 #include "metatable.h"
 #include "roon.h"
@@ -49,22 +49,6 @@ public:
     quintptr lowestFrame = std::numeric_limits<quintptr>::max(); ///< on the stack, of any call
     quintptr highestFrame = 0;
 };
-
-ImageServer::Behaviour png(const QColor &colour, int delayMs = 0)
-{
-    ImageServer::Behaviour behaviour;
-    behaviour.colour = colour;
-    behaviour.format = "PNG";
-    behaviour.delayMs = delayMs;
-    return behaviour;
-}
-
-ImageServer::Behaviour kind(ImageServer::Behaviour::Kind what)
-{
-    ImageServer::Behaviour behaviour;
-    behaviour.kind = what;
-    return behaviour;
-}
 
 QUrl urlOf(const QString &id)
 {
@@ -184,6 +168,8 @@ private:
     {
         when([this, key] { return requestsFor(key) > 0; }, action);
     }
+    /** Wants one cover; while it is being fetched, another, and a third a moment later. */
+    void wantDuringAFetch(const char *first, const char *second, const char *third);
     int requestsFor(const char *key) const
     {
         return m_server->requestsFor(QString::fromLatin1(key));
@@ -227,6 +213,16 @@ CoverArtLoader *TestCoverArtLoader::create()
     if (loader)
         loader->setParent(m_engine.get());
     return loader;
+}
+
+void TestCoverArtLoader::wantDuringAFetch(const char *first, const char *second, const char *third)
+{
+    m_loader->setWanted(urlOf(QString::fromLatin1(first)));
+    whenAskedFor(first, [this, second, third] {
+        m_loader->setWanted(urlOf(QString::fromLatin1(second)));
+        QTimer::singleShot(
+            1, m_loader, [this, third] { m_loader->setWanted(urlOf(QString::fromLatin1(third))); });
+    });
 }
 
 void TestCoverArtLoader::metaObjectIsTheInterface()
@@ -343,12 +339,7 @@ void TestCoverArtLoader::skippedTracksEndWithTheLast()
     for (const char *key : { "A", "B", "C" })
         m_server->setBehaviour(QString::fromLatin1(key), png(Qt::red, SlowMs));
     const Offers offers(m_loader);
-    m_loader->setWanted(urlOf(QStringLiteral("A")));
-    whenAskedFor("A", [this] {
-        m_loader->setWanted(urlOf(QStringLiteral("B")));
-        QTimer::singleShot(
-            1, m_loader, [this] { m_loader->setWanted(urlOf(QStringLiteral("C"))); });
-    });
+    wantDuringAFetch("A", "B", "C");
     QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("C")));
     QCOMPARE(offers.list, QList<QUrl>({ urlOf(QStringLiteral("C")) }));
     QCOMPARE(requestsFor("A"), 1);
@@ -573,12 +564,7 @@ void TestCoverArtLoader::wishThatReturnsDuringItsFetchIsFetchedOnce()
     m_server->setBehaviour(QStringLiteral("A"), png(Qt::red, SlowMs));
     m_server->setBehaviour(QStringLiteral("B"), png(Qt::blue));
     const Offers offers(m_loader);
-    m_loader->setWanted(urlOf(QStringLiteral("A")));
-    whenAskedFor("A", [this] {
-        m_loader->setWanted(urlOf(QStringLiteral("B")));
-        QTimer::singleShot(
-            1, m_loader, [this] { m_loader->setWanted(urlOf(QStringLiteral("A"))); });
-    });
+    wantDuringAFetch("A", "B", "A");
     QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
     QVERIFY(!m_loader->isWaiting());
     QCoreApplication::processEvents();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "imageprovider.h"
-#include "testkit/services/imageserver.h"
+#include "coverbehaviour.h"
 #include "logcapture.h"
 #include "roon.h"
 
@@ -44,22 +44,6 @@ const QString CachedLine
 const QString RetryLine
     = QStringLiteral("critical: ImageProvider::requestImage() ERROR occured, retrying...");
 const QString ErrorLine = QStringLiteral("critical: ImageProvider::requestImage() network ERROR: ");
-
-/** A colour that survives the way through PNG without a change. */
-ImageServer::Behaviour png(const QColor &colour)
-{
-    ImageServer::Behaviour behaviour;
-    behaviour.colour = colour;
-    behaviour.format = "PNG";
-    return behaviour;
-}
-
-ImageServer::Behaviour kind(ImageServer::Behaviour::Kind what)
-{
-    ImageServer::Behaviour behaviour;
-    behaviour.kind = what;
-    return behaviour;
-}
 
 QColor colourOf(const QImage &image)
 {

@@ -136,7 +136,7 @@ private slots:
     void screenChangedToAnUnknownNameChangesNothing_data();
     void screenChangedToAnUnknownNameChangesNothing();
 
-    void communicationFailureNeedsServiceAndCore_data();
+    void communicationFailureNeedsServiceAndCore_data() { addSituations(); }
     void communicationFailureNeedsServiceAndCore();
     void zoneFoundLooksUpThePlayersZone();
 
@@ -171,7 +171,7 @@ private slots:
 
     void blankScreenCutsTheBacklightFirst();
     void enableScreenGoesNowhere();
-    void leaveScreenSaverLogsItsSteps_data();
+    void leaveScreenSaverLogsItsSteps_data() { addSituations(); }
     void leaveScreenSaverLogsItsSteps();
     void settingsAreEnteredAndLeft_data();
     void settingsAreEnteredAndLeft();
@@ -188,6 +188,7 @@ private slots:
     void documentedEvents();
 
 private:
+    static void addSituations();
     void become(Situation situation, bool updating = false);
     void makeNavigation(int screen = Navigation::WelcomeScreen);
     QTimer *screenSaverTimer() const { return m_navigation->findChildren<QTimer *>().value(1); }
@@ -204,6 +205,14 @@ private:
     std::unique_ptr<Navigation> m_navigation;
     std::unique_ptr<SignalRecorder> m_signals;
 };
+
+/** A row for each situation. */
+void TestNavigationController::addSituations()
+{
+    QTest::addColumn<Situation>("situation");
+    for (auto row = SituationNames.begin(); row != SituationNames.end(); ++row)
+        QTest::newRow(row.value()) << row.key();
+}
 
 void TestNavigationController::initTestCase()
 {
@@ -533,13 +542,6 @@ void TestNavigationController::screenChangedToAnUnknownNameChangesNothing()
                 + name }));
     QCOMPARE(m_signals->take(), QStringList());
     QCOMPARE(screen(), int(Navigation::ClockScreen));
-}
-
-void TestNavigationController::communicationFailureNeedsServiceAndCore_data()
-{
-    QTest::addColumn<Situation>("situation");
-    for (auto row = SituationNames.begin(); row != SituationNames.end(); ++row)
-        QTest::newRow(row.value()) << row.key();
 }
 
 void TestNavigationController::communicationFailureNeedsServiceAndCore()
@@ -1033,13 +1035,6 @@ void TestNavigationController::enableScreenGoesNowhere()
     QCOMPARE(m_panel->power(), PowerOn);
     QCOMPARE(m_panel->brightness(), NormalBrightness);
     QCOMPARE(screen(), int(Navigation::ClockScreen));
-}
-
-void TestNavigationController::leaveScreenSaverLogsItsSteps_data()
-{
-    QTest::addColumn<Situation>("situation");
-    for (auto row = SituationNames.begin(); row != SituationNames.end(); ++row)
-        QTest::newRow(row.value()) << row.key();
 }
 
 void TestNavigationController::leaveScreenSaverLogsItsSteps()

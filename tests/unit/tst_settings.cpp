@@ -2,6 +2,7 @@
 #include "propertyclasstest.h"
 #include "samplevalue.h"
 #include "settings.h"
+#include "textfile.h"
 
 #include <QFile>
 #include <QSignalSpy>
@@ -54,8 +55,8 @@ private slots:
 
 private:
     QString fileName() const { return m_directory->filePath(QStringLiteral("velunor-touch.ini")); }
-    void write(const QByteArray &text) const;
-    QByteArray text() const;
+    void write(const QByteArray &text) const { writeTextFile(fileName(), text); }
+    QByteArray text() const { return readTextFile(fileName()); }
     QVariant stored(const QString &key) const;
 
     std::unique_ptr<QTemporaryDir> m_directory;
@@ -72,19 +73,6 @@ void TestSettings::cleanup()
 {
     m_directory.reset();
     PropertyClassTest::cleanup();
-}
-
-void TestSettings::write(const QByteArray &text) const
-{
-    QFile file(fileName());
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(text), static_cast<qint64>(text.size()));
-}
-
-QByteArray TestSettings::text() const
-{
-    QFile file(fileName());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QVariant TestSettings::stored(const QString &key) const

@@ -2,6 +2,7 @@
 #include "logcapture.h"
 #include "metatable.h"
 #include "sysfile.h"
+#include "textfile.h"
 #include "writecounter.h"
 
 #include <QDir>
@@ -32,8 +33,8 @@ private slots:
 
 private:
     QString path() const { return m_directory->filePath(QStringLiteral("brightness")); }
-    void make(const QByteArray &text) const;
-    QByteArray text() const;
+    void make(const QByteArray &text) const { writeTextFile(path(), text); }
+    QByteArray text() const { return readTextFile(path()); }
 
     std::unique_ptr<LogCapture> m_log;
     std::unique_ptr<QTemporaryDir> m_directory;
@@ -50,19 +51,6 @@ void TestSysFile::cleanup()
 {
     m_directory.reset();
     m_log.reset();
-}
-
-void TestSysFile::make(const QByteArray &text) const
-{
-    QFile file(path());
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(text), static_cast<qint64>(text.size()));
-}
-
-QByteArray TestSysFile::text() const
-{
-    QFile file(path());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
 }
 
 void TestSysFile::metaObjectIsTheInterface()
