@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 import QtQuick 2.15
+import QtQuick.Window 2.15
 import QtTest 1.15
 import SceneTest 1.0
 
 /** What all scene tests share: fingers, the search for inner objects, and that nothing may complain in the log. */
 TestCase {
+    /** What countFrames() counts with. */
+    readonly property SignalSpy frames: SignalSpy { signalName: "frameSwapped" }
+
     when: windowShown
 
     function initTestCase() {
@@ -109,6 +113,12 @@ TestCase {
         if (lift !== false)
             touch.release(1, item, x2, y2).commit();
         return touch;
+    }
+
+    /** Counts from here on, in frames.count, the frames of the window that the item is in. */
+    function countFrames(item) {
+        frames.target = item.Window.window;
+        frames.clear();
     }
 
     function logged(message) {

@@ -268,11 +268,7 @@ Item {
         }
 
         function test_aChangeUnderTheFingerDoesNotMoveTheList(row) {
-            dialog.zones = names(200);
-            scrollTo(100);
-            const touch = touchEvent(list);
-            touch.press(1, list, 300, 250).commit();
-            moveBy(touch, 250, 150);
+            const touch = dragFromTheMiddle();
             verify(list.dragging);
             const place = list.itemAtIndex(103).mapToItem(list, 0, 0).y;
             dialog.zones = row.to;
@@ -290,6 +286,16 @@ Item {
             compare(selected.count, 0);
         }
 
+        /** A finger that has pulled a long list up from its hundredth row, and holds it. */
+        function dragFromTheMiddle() {
+            dialog.zones = names(200);
+            scrollTo(100);
+            const touch = touchEvent(list);
+            touch.press(1, list, 300, 250).commit();
+            moveBy(touch, 250, 150);
+            return touch;
+        }
+
         function moveBy(touch, from, to) {
             for (let y = from; y >= to; y -= 5)
                 touch.move(1, list, 300, y).commit();
@@ -302,11 +308,7 @@ Item {
         }
 
         function test_aListThatEndsAboveTheFingerStandsAtItsEnd(row) {
-            dialog.zones = names(200);
-            scrollTo(100);
-            const touch = touchEvent(list);
-            touch.press(1, list, 300, 250).commit();
-            moveBy(touch, 250, 150);
+            const touch = dragFromTheMiddle();
             dialog.zones = names(row.count);
             const expected = rowsFrom(Math.max(0, row.count - 6), row.count);
             waitForRendering(list, 100);
