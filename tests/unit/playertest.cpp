@@ -4,7 +4,7 @@
 #include "nobroker.h"
 #include "roonzones.h"
 
-void PlayerTest::initTestCase()
+void startPlayerWithoutBroker()
 {
     qputenv("VELUNOR_TOUCHUI_CONTROL_ZONE", "Kitchen");
     NavigationController::instance();

@@ -10,6 +10,9 @@
 
 #include <memory>
 
+/** Makes the surroundings of a player that wants the zone "Kitchen"; for the start of a program. */
+void startPlayerWithoutBroker();
+
 /**
  * What tests of the player start from: a player that controls the zone "Kitchen" with the id "z1",
  * which is available, and no broker.
@@ -21,7 +24,7 @@ protected slots:
     void init();
 
 private slots:
-    void initTestCase();
+    void initTestCase() { startPlayerWithoutBroker(); }
     void cleanup();
 
 protected:

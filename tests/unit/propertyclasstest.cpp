@@ -83,13 +83,14 @@ void PropertyClassTest::writesDoWhatTheRowSays()
 
     QVariant before = row.start();
     for (const QVariant &value : stepsOf(row)) {
-        const bool tells = row.tellsEveryWrite() || value != before;
+        const bool isThere = value == before;
         QVERIFY(written.write(object.get(), value));
         QVERIFY2(isSame(written.read(object.get()), value), qUtf8Printable(value.toString()));
-        const QStringList signalled = tells ? row.signalsOf(value) : QStringList();
+        const QStringList signalled
+            = isThere && !row.tellsEveryWrite() ? QStringList() : row.signalsOf(value);
         QCOMPARE(signalsOf.take(), signalled);
         QCOMPARE(seen, signalled.isEmpty() ? QVariantList() : QVariantList({ value }));
-        QCOMPARE(m_log->take(), tells ? row.linesOf(value) : QStringList());
+        QCOMPARE(m_log->take(), row.linesOf(value, isThere));
         // Each property has a place of its own.
         QCOMPARE(moved(*object),
             value == row.start() ? QStringList() : QStringList(row.name()) + row.moved());

@@ -28,6 +28,12 @@ PropertyRow &PropertyRow::logging(const QStringList &lines)
     return *this;
 }
 
+PropertyRow &PropertyRow::loggingRepeats(const QStringList &lines)
+{
+    m_repeatedLines = lines;
+    return *this;
+}
+
 PropertyRow &PropertyRow::writing(const QVariantList &values)
 {
     m_values = values;
@@ -49,9 +55,9 @@ QStringList PropertyRow::signalsOf(const QVariant &value) const
                                                     : name + QLatin1Char(' ') + value.toString() };
 }
 
-QStringList PropertyRow::linesOf(const QVariant &value) const
+QStringList PropertyRow::linesOf(const QVariant &value, bool isThere) const
 {
-    QStringList lines = m_lines;
+    QStringList lines = isThere ? m_repeatedLines : m_lines;
     lines.replaceInStrings(QStringLiteral("%1"), value.toString());
     return lines;
 }

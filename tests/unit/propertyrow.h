@@ -23,8 +23,10 @@ public:
     PropertyRow &onEveryWrite();
     /** A write emits the signal of this signature, which is not the property's notify signal. */
     PropertyRow &telling(const char *signature);
-    /** A write that notifies logs these labelled lines; "%1" stands for the value. */
+    /** A write of another value logs these labelled lines; "%1" stands for the value. */
     PropertyRow &logging(const QStringList &lines);
+    /** A write of the value that is there already logs these. */
+    PropertyRow &loggingRepeats(const QStringList &lines);
     /** The values to write in place of samples, each different from the one before it. */
     PropertyRow &writing(const QVariantList &values);
     /** Any of these values moves the property of this name as well. */
@@ -41,8 +43,8 @@ public:
     bool tellsEveryWrite() const { return m_tellsEveryWrite; }
     /** The entries of a SignalRecorder when a write of @p value notifies. */
     QStringList signalsOf(const QVariant &value) const;
-    /** The lines in the log when a write of @p value notifies. */
-    QStringList linesOf(const QVariant &value) const;
+    /** The lines in the log when @p value is written, which the property holds already or not. */
+    QStringList linesOf(const QVariant &value, bool isThere) const;
     /** The other properties that differ from their start while this one does. */
     QStringList moved() const { return m_moved; }
 
@@ -53,5 +55,6 @@ private:
     QString m_signal; // signature; empty for none
     bool m_tellsEveryWrite = false;
     QStringList m_lines;
+    QStringList m_repeatedLines;
     QStringList m_moved;
 };

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "player.h"
 #include "logcapture.h"
-#include "metatable.h"
 #include "mqtt.h"
 #include "playertest.h"
 #include "roon.h"
@@ -42,17 +41,9 @@ class TestPlayer : public PlayerTest {
 private slots:
     void init();
 
-    void metaObjectIsTheInterface();
-    void startValues();
-    void constructorLogs();
+    void startsWithoutTexts();
     void wantedZoneComesFromTheEnvironment_data();
     void wantedZoneComesFromTheEnvironment();
-    void instanceIsOneObject();
-
-    void writesNotifyOnlyOnAChange_data();
-    void writesNotifyOnlyOnAChange();
-    void computedPropertiesCannotBeWritten_data();
-    void computedPropertiesCannotBeWritten();
     void writtenRoonStateKeepsThePreviousOne();
 
     void updateCopiesInOrder();
@@ -85,116 +76,10 @@ void TestPlayer::init()
     PlayerTest::init();
 }
 
-void TestPlayer::metaObjectIsTheInterface()
+void TestPlayer::startsWithoutTexts()
 {
-    const QMetaObject &meta = Player::staticMetaObject;
-    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
-    QCOMPARE(propertyTable(meta),
-        QStringList({
-            "QString roonState read write roonStateChanged()",
-            "QString song read write songChanged()",
-            "QString artist read write artistChanged()",
-            "QString album read write albumChanged()",
-            "QString imageKey read write imageKeyChanged()",
-            "bool remoteConnected read write remoteConnectionChanged()",
-            "uint seekPosition read write seekPositionChanged()",
-            "bool autoRadio read write autoRadioChanged()",
-            "QString loop read write loopChanged()",
-            "bool shuffle read write shuffleChanged()",
-            "uint length read write lengthChanged()",
-            "QString zone read write zoneChanged()",
-            "QString wantedZone read write wantedZoneChanged()",
-            "QString time read timeChanged()",
-            "bool volumeAvailable read write volumeAvailableChanged()",
-            "float volume read write volumeChanged()",
-            "float minVolume read write minVolumeChanged()",
-            "float maxVolume read write maxVolumeChanged()",
-            "float limitMinVolume read write limitMinVolumeChanged()",
-            "float limitMaxVolume read write limitMaxVolumeChanged()",
-            "float limitSoftVolume read write limitSoftVolumeChanged()",
-            "float volumeStep read write volumeStepChanged()",
-            "float volumeMuted read write volumeMuteChanged()",
-            "uint volumeDisplayPrecision read constant",
-            "QString bigImageUrl read",
-            "QString seekPositionText read seekPositionChanged()",
-            "QString lengthText read lengthChanged()",
-            "uint queueItemsRemaining read write queueItemsRemainingChanged()",
-            "bool prevAllowed read write prevAllowedChanged()",
-            "bool nextAllowed read write nextAllowedChanged()",
-            "bool pauseAllowed read write pauseAllowedChanged()",
-            "bool playAllowed read write playAllowedChanged()",
-            "bool seekAllowed read write seekAllowedChanged()",
-        }));
-    QStringList methods;
-    for (const char *name : { "roonState", "song", "artist", "album", "imageKey", "time", "length",
-             "volumeAvailable", "volume", "minVolume", "maxVolume", "limitMinVolume",
-             "limitMaxVolume", "limitSoftVolume", "volumeStep", "volumeMute" })
-        methods.append(QStringLiteral("public signal %1Changed()").arg(QLatin1String(name)));
-    methods.append({ "public signal playPausePressed()", "public signal prevPressed()",
-        "public signal nextPressed()" });
-    for (const char *name : { "remoteConnection", "seekPosition", "zone", "wantedZone", "autoRadio",
-             "shuffle", "loop", "queueItemsRemaining", "prevAllowed", "nextAllowed", "pauseAllowed",
-             "playAllowed", "seekAllowed", "zoneMenuList" })
-        methods.append(QStringLiteral("public signal %1Changed()").arg(QLatin1String(name)));
-    for (const char *signature :
-        { "playPause()", "prev()", "next()", "clickedRadioButton()", "clickedShuffleButton()",
-            "clickedLoopButton()", "movedVolumeSlider(float)", "timeFormatChanged(bool)",
-            "scrollingChanged(bool)", "connectionStateChanged(bool)", "commandVolumeDown()",
-            "commandVolumeUp()", "selectZone(QString)", "installUpdate()", "mqttConnected()" })
-        methods.append(QStringLiteral("public slot ") + QLatin1String(signature));
-    QCOMPARE(methodTable(meta), methods);
-    QCOMPARE(enumeratorTable(meta), QStringList());
-}
-
-void TestPlayer::startValues()
-{
-    const QVariantMap expected {
-        { "objectName", QString() },
-        { "roonState", "init" },
-        { "song", QString() },
-        { "artist", QString() },
-        { "album", QString() },
-        { "imageKey", QString() },
-        { "remoteConnected", true },
-        { "seekPosition", 0u },
-        { "autoRadio", false },
-        { "loop", QString() },
-        { "shuffle", false },
-        { "length", 0u },
-        { "zone", "UNKNOWN" },
-        { "wantedZone", "Kitchen" },
-        { "volumeAvailable", false },
-        { "volume", 0.0f },
-        { "minVolume", 0.0f },
-        { "maxVolume", 0.0f },
-        { "limitMinVolume", 0.0f },
-        { "limitMaxVolume", 0.0f },
-        { "limitSoftVolume", 0.0f },
-        { "volumeStep", 0.0f },
-        { "volumeMuted", 0.0f },
-        { "volumeDisplayPrecision", 0u },
-        { "bigImageUrl", m_player->bigImageUrl() },
-        { "seekPositionText", "0:00" },
-        { "lengthText", "0:00" },
-        { "queueItemsRemaining", 0u },
-        { "prevAllowed", false },
-        { "nextAllowed", false },
-        { "pauseAllowed", false },
-        { "playAllowed", false },
-        { "seekAllowed", false },
-    };
-    QCOMPARE(snapshot(*m_player), expected);
-    QCOMPARE(m_player->previousRoonState(), QStringLiteral("init"));
     QVERIFY(m_player->song().isNull() && m_player->loop().isNull());
-}
-
-void TestPlayer::constructorLogs()
-{
-    const Player player;
-    QVERIFY(!player.parent());
-    QCOMPARE(m_log->take(),
-        QStringList({ constructorLine(QStringLiteral("Player")),
-            QStringLiteral("info: Player::Player() setting wanted zone to Kitchen") }));
+    QCOMPARE(m_player->previousRoonState(), QStringLiteral("init"));
 }
 
 void TestPlayer::wantedZoneComesFromTheEnvironment_data()
@@ -221,72 +106,6 @@ void TestPlayer::wantedZoneComesFromTheEnvironment()
     QCOMPARE(player.wantedZone(), zone);
     QCOMPARE(
         lines().last(), QStringLiteral("info: Player::Player() setting wanted zone to ") + zone);
-}
-
-void TestPlayer::instanceIsOneObject()
-{
-    QVERIFY(Player::instance());
-    QCOMPARE(Player::instance(), Player::instance());
-    QVERIFY(!Player::instance()->parent());
-}
-
-void TestPlayer::writesNotifyOnlyOnAChange_data()
-{
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<QString>("signal");
-    for (const char *name :
-        { "song", "artist", "album", "imageKey", "loop", "zone", "wantedZone", "roonState" })
-        QTest::newRow(name) << QByteArray(name) << QVariant("Küche")
-                            << QString::fromLatin1(name) + "Changed";
-    for (const char *name : { "seekPosition", "length", "queueItemsRemaining" })
-        QTest::newRow(name) << QByteArray(name) << QVariant(42u)
-                            << QString::fromLatin1(name) + "Changed";
-    for (const char *name : { "autoRadio", "shuffle", "volumeAvailable", "prevAllowed",
-             "nextAllowed", "pauseAllowed", "playAllowed", "seekAllowed" })
-        QTest::newRow(name) << QByteArray(name) << QVariant(true)
-                            << QString::fromLatin1(name) + "Changed";
-    for (const char *name : { "minVolume", "maxVolume", "limitMinVolume", "limitMaxVolume",
-             "limitSoftVolume", "volume" })
-        QTest::newRow(name) << QByteArray(name) << QVariant(-12.5f)
-                            << QString::fromLatin1(name) + "Changed";
-    QTest::newRow("remoteConnected")
-        << QByteArray("remoteConnected") << QVariant(false) << "remoteConnectionChanged";
-    QTest::newRow("volumeMuted") << QByteArray("volumeMuted") << QVariant(1.0f)
-                                 << "volumeMuteChanged";
-}
-
-void TestPlayer::writesNotifyOnlyOnAChange()
-{
-    QFETCH(QByteArray, property);
-    QFETCH(QVariant, value);
-    QFETCH(QString, signal);
-    const QVariant initial = m_player->property(property);
-    QVERIFY(m_player->setProperty(property, initial));
-    QCOMPARE(m_signals->take(), QStringList());
-    QVariantMap expected = snapshot(*m_player);
-    expected.insert(QString::fromLatin1(property), value);
-    QVERIFY(m_player->setProperty(property, value));
-    QVERIFY(m_player->setProperty(property, value));
-    QCOMPARE(m_signals->take(), QStringList(signal));
-    QCOMPARE(m_player->property(property), value);
-    if (property != "imageKey" && property != "seekPosition" && property != "length")
-        QCOMPARE(snapshot(*m_player), expected); // nothing else has changed
-}
-
-void TestPlayer::computedPropertiesCannotBeWritten_data()
-{
-    QTest::addColumn<QByteArray>("property");
-    for (const char *name :
-        { "time", "bigImageUrl", "seekPositionText", "lengthText", "volumeDisplayPrecision" })
-        QTest::newRow(name) << QByteArray(name);
-}
-
-void TestPlayer::computedPropertiesCannotBeWritten()
-{
-    QFETCH(QByteArray, property);
-    QVERIFY(!m_player->setProperty(property, QStringLiteral("1")));
-    QCOMPARE(m_signals->take(), QStringList());
 }
 
 void TestPlayer::writtenRoonStateKeepsThePreviousOne()

@@ -96,7 +96,8 @@ QList<PropertyRow> TestSettings::rows() const
         PropertyRow("QString customClockColor read write", "#545050")
             .onEveryWrite()
             .telling("lcdClockColorChanged(QString)")
-            .logging({ "debug: Settings::setLcdCustomClockColor() %1" }),
+            .logging({ "debug: Settings::setLcdCustomClockColor() %1" })
+            .loggingRepeats({ "debug: Settings::setLcdCustomClockColor() %1" }),
         { "QString clockColorRGB read lcdClockColorChanged(QString)", "#545050" },
         PropertyRow("bool timeFormat read write timeFormatChanged(bool)", true)
             .logging({ "debug: Settings::timeFormat write %1" }),
