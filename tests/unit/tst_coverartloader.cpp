@@ -168,6 +168,8 @@ private:
     {
         when([this, key] { return requestsFor(key) > 0; }, action);
     }
+    /** Wants a cover, which is not to be had this once: the logo is shown. */
+    void failToFetchOnce(const char *key);
     /** Wants one cover; while it is being fetched, another, and a third a moment later. */
     void wantDuringAFetch(const char *first, const char *second, const char *third);
     int requestsFor(const char *key) const
@@ -213,6 +215,15 @@ CoverArtLoader *TestCoverArtLoader::create()
     if (loader)
         loader->setParent(m_engine.get());
     return loader;
+}
+
+void TestCoverArtLoader::failToFetchOnce(const char *key)
+{
+    ImageServer::Behaviour failing = png(Qt::red);
+    failing.failures = 2; // the request and its retry
+    m_server->setBehaviour(QString::fromLatin1(key), failing);
+    m_loader->setWanted(urlOf(QString::fromLatin1(key)));
+    QTRY_COMPARE(m_loader->source(), logo());
 }
 
 void TestCoverArtLoader::wantDuringAFetch(const char *first, const char *second, const char *third)
@@ -411,11 +422,7 @@ void TestCoverArtLoader::failedFetchShowsTheLogo()
 
 void TestCoverArtLoader::keyThatFailedIsFetchedAgain()
 {
-    ImageServer::Behaviour behaviour = png(Qt::red);
-    behaviour.failures = 2; // the request and its retry
-    m_server->setBehaviour(QStringLiteral("A"), behaviour);
-    m_loader->setWanted(urlOf(QStringLiteral("A")));
-    QTRY_COMPARE(m_loader->source(), logo());
+    failToFetchOnce("A");
     QCOMPARE(requestsFor("A"), 2);
     m_loader->setWanted(urlOf(QStringLiteral("NO_IMAGE")));
     QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("NO_IMAGE")));
@@ -503,11 +510,7 @@ void TestCoverArtLoader::coverOnViewIsFetchedAgainWhereTheCoreIsNow()
 
 void TestCoverArtLoader::sameAddressAgainFetchesNothing()
 {
-    ImageServer::Behaviour failing = png(Qt::red);
-    failing.failures = 2; // the request and its retry
-    m_server->setBehaviour(QStringLiteral("A"), failing);
-    m_loader->setWanted(urlOf(QStringLiteral("A")));
-    QTRY_COMPARE(m_loader->source(), logo());
+    failToFetchOnce("A");
     Roon::instance()->setServerUrl(QString::fromLatin1(m_server->address()));
     QCoreApplication::processEvents();
     QCOMPARE(m_provider->depth, 0); // a fetch would have begun by now
