@@ -152,7 +152,7 @@ bool TestDemo::start(Terminal &terminal, const QStringList &arguments)
 
 /** Whether the icon is on view: the page may still be under construction when its cover has come.
  */
-bool DemoTest::showsPlayPause()
+bool TestDemo::showsPlayPause()
 {
     QProcess grab;
     grab.start("import", { "-silent", "-window", "root", "-crop", "60x60+575+315", "png:-" });
@@ -167,7 +167,7 @@ bool DemoTest::showsPlayPause()
     return bright > 100 && bright < 1800; // an icon, not a white page
 }
 
-bool DemoTest::touchPlayPause()
+bool TestDemo::touchPlayPause()
 {
     return waitUntil([this] { return showsPlayPause(); })
         && QProcess::execute("xdotool", { "mousemove", "605", "345", "click", "1" }) == 0;

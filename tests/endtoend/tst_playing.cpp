@@ -783,7 +783,7 @@ bool TestPlaying::zoneIs(const ZoneValues &values)
     return m_appliance.handled();
 }
 
-QString PlayingTest::iconOf(
+QString TestPlaying::iconOf(
     const QString &button, const QStringList &icons, double part, double opacity)
 {
     const QRectF cell = probe().area(button);
@@ -793,7 +793,7 @@ QString PlayingTest::iconOf(
     return drawnFile(probe().picture(), area, icons, opacity);
 }
 
-QStringList PlayingTest::optionIcons()
+QStringList TestPlaying::optionIcons()
 {
     QStringList icons;
     for (const char *const button : { "radio", "shuffle", "loop" })
@@ -801,7 +801,7 @@ QStringList PlayingTest::optionIcons()
     return icons;
 }
 
-bool PlayingTest::otherZoneIs(const QByteArray &name, const ZoneValues &values)
+bool TestPlaying::otherZoneIs(const QByteArray &name, const ZoneValues &values)
 {
     const QString zone = "Velunor/Controller/remote_control/v4/roon/Zones/z2/";
     m_appliance.publishZones(
