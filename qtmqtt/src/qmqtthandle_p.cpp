@@ -13,7 +13,7 @@
 namespace {
 /** No limit on unconfirmed messages: the default of 20 would hold back the 21st. */
 constexpr int UnconfirmedLimit = 65535;
-/** In bytes; a packet has two of them for the length of a text. */
+/** In bytes; a packet has two of them for the length of a text, and of a will's message. */
 constexpr int LongestText = 65535;
 
 /** The sockets that a child process would get.  Ours are to be none of them. */
@@ -83,14 +83,14 @@ QMqttClient::ClientError QMqttHandle::create(const QMqttSettings &settings, void
     mosquitto_int_option(handle, MOSQ_OPT_TCP_NODELAY, 1);
     const QByteArray username = settings.username.toUtf8();
     const QByteArray password = settings.password.toUtf8();
-    if (!username.isEmpty()
-        && (!isText(username) || !isText(password)
-            || mosquitto_username_pw_set(handle, username.constData(), textOrNull(password))
-                != MOSQ_ERR_SUCCESS))
+    // The library refuses a password without a user, as the protocol does.
+    if (!isText(username) || !isText(password)
+        || mosquitto_username_pw_set(handle, textOrNull(username), textOrNull(password))
+            != MOSQ_ERR_SUCCESS)
         return QMqttClient::BadUsernameOrPassword;
     const QByteArray willTopic = settings.willTopic.toUtf8();
     if (!willTopic.isEmpty()
-        && (!isText(willTopic)
+        && (!isText(willTopic) || settings.willMessage.size() > LongestText
             || mosquitto_will_set(handle, willTopic.constData(), settings.willMessage.size(),
                    settings.willMessage.constData(), settings.willQoS, settings.willRetain)
                 != MOSQ_ERR_SUCCESS))

@@ -43,10 +43,12 @@ void TestCredentials::unusableSettingIsRefused_data()
     row("user with a zero", "username", zero, "BadUsernameOrPassword");
     row("user too long", "username", QString(65536, 'x'), "BadUsernameOrPassword");
     row("password with a zero", "password", zero, "BadUsernameOrPassword");
+    row("password without a user", "username", "", "BadUsernameOrPassword");
     row("will for a filter", "willTopic", "a/#", "ProtocolViolation");
     row("will topic with a control character", "willTopic", "a\x01", "ProtocolViolation");
     row("will topic with a zero", "willTopic", zero, "ProtocolViolation");
     row("will topic too long", "willTopic", QString(65536, 'x'), "ProtocolViolation");
+    row("will message too long", "willMessage", QByteArray(65536, 'x'), "ProtocolViolation");
     row("id with a control character", "clientId", "a\x01", "IdRejected");
     row("id with a zero", "clientId", zero, "IdRejected");
 }
@@ -60,6 +62,8 @@ void TestCredentials::unusableSettingIsRefused()
     QMqttClient client;
     aim(&client, peer.port());
     client.setUsername("user");
+    client.setPassword("secret");
+    client.setWillTopic("will");
     QVERIFY(client.setProperty(property.constData(), value));
     SignalLog log(&client);
     for (int i = 0; i < 2; ++i) {
@@ -77,16 +81,18 @@ void TestCredentials::unusableSettingIsRefused()
 
 void TestCredentials::unusualSettingIsSent()
 {
+    const QByteArray longest(65535, 'x');
     FakeBroker peer;
     QMqttClient client;
     aim(&client, peer.port());
     client.setUsername(QString(QChar(0xfc)));
     client.setPassword("\x01");
     client.setWillTopic(QString(QChar(0xfc)));
+    client.setWillMessage(longest);
     client.connectToHost();
     QTRY_COMPARE(peer.count(FakeBroker::Connect), 1);
-    const QByteArray expected("\0\2\xc3\xbc\0\0\0\2\xc3\xbc\0\1\1", 13);
-    QVERIFY(peer.packets().constFirst().endsWith(expected));
+    const QByteArray will = QByteArray("\0\2\xc3\xbc\xff\xff", 6) + longest;
+    QVERIFY(peer.packets().constFirst().endsWith(will + QByteArray("\0\2\xc3\xbc\0\1\1", 7)));
 }
 
 QTEST_GUILESS_MAIN(TestCredentials)
