@@ -172,7 +172,9 @@ void QMqttClientPrivate::deliver()
     // at once, would otherwise never let the event loop have its turn.
     const QPointer<QMqttClient> alive(q);
     const QPointer<QMqttConnection> source(m_connection.get());
-    while (source && source == m_connection.get() && source->hasEvents()) {
+    for (int i = 0; i < QMqttConnection::PacketsPerTurn; ++i) {
+        if (!source || source != m_connection.get() || !source->hasEvents())
+            break;
         const QMqttConnection::Event event = source->takeEvent();
         std::visit([this](const auto &e) { handle(e); }, event);
         if (!alive)

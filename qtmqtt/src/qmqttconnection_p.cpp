@@ -16,9 +16,6 @@
 #include <unistd.h>
 
 namespace {
-/** Packets read before the event loop gets its turn again, so that a flood does not freeze the
- * display. */
-constexpr int PacketsPerTurn = 512;
 /** The library refuses shorter ones, except 0. */
 constexpr int ShortestKeepAlive = 5; // seconds
 /** Later than the exact time, because the library's clock and the kernel's count in steps. */

@@ -8,6 +8,14 @@ namespace {
 constexpr int PatienceMs = 20000;
 }
 
+QList<QByteArray> numbers(int count)
+{
+    QList<QByteArray> list;
+    for (int i = 0; i < count; ++i)
+        list.append(QByteArray::number(i));
+    return list;
+}
+
 Listener::Listener(quint16 port)
 {
     aim(&client, port);

@@ -6,6 +6,9 @@
 #include <QtCore/QString>
 #include <QtMqtt/QMqttClient>
 
+/** The payloads "0", "1", "2" and so on, by which the order of messages is told. */
+QList<QByteArray> numbers(int count);
+
 /** A connected client that notes what it receives. */
 class Listener {
 public:

@@ -12,14 +12,6 @@
 
 namespace {
 constexpr int PatienceMs = 20000;
-
-QList<QByteArray> numbers(int count)
-{
-    QList<QByteArray> list;
-    for (int i = 0; i < count; ++i)
-        list.append(QByteArray::number(i));
-    return list;
-}
 } // namespace
 
 /** Publishing, subscribing and receiving. */

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fakebroker.h"
+#include "qmqttconnection_p.h"
+
+#include <QtTest/QtTest>
+
+#include <algorithm>
+
+namespace {
+constexpr int PatienceMs = 20000;
+} // namespace
+
+/** How much is read before others have their turn, seen by the owner of a connection. */
+class TestReading : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void turnsAreShort_data();
+    void turnsAreShort();
+};
+
+void TestReading::turnsAreShort_data()
+{
+    QTest::addColumn<int>("unconfirmed"); // messages of ours; the library would read as many
+    QTest::addColumn<int>("qos");
+    QTest::newRow("nothing unconfirmed") << 0 << 0;
+    QTest::newRow("few unconfirmed") << 20 << 1;
+    QTest::newRow("many unconfirmed") << 10000 << 1;
+    QTest::newRow("many unconfirmed, qos 2") << 5000 << 2;
+}
+
+void TestReading::turnsAreShort()
+{
+    QFETCH(int, unconfirmed);
+    QFETCH(int, qos);
+    constexpr int Count = 20000;
+    FakeBroker peer; // confirms nothing
+    QMqttSettings settings;
+    settings.port = peer.port();
+    QMqttConnection connection(settings);
+    connection.open({ QHostAddress::LocalHost });
+    QTRY_VERIFY(connection.hasEvents());
+    connection.takeEvent();
+    for (int i = 0; i < unconfirmed; ++i)
+        QVERIFY(connection.publish("t", "x", quint8(qos), false) > 0);
+    QTRY_COMPARE_WITH_TIMEOUT(peer.count(FakeBroker::Publish), unconfirmed, PatienceMs);
+
+    int read = 0;
+    int longest = 0;
+    connect(
+        &connection, &QMqttConnection::eventsAvailable, this,
+        [&] {
+            const int before = read;
+            for (; connection.hasEvents(); ++read)
+                connection.takeEvent();
+            longest = std::max(longest, read - before);
+        },
+        Qt::QueuedConnection);
+    peer.send(FakeBroker::message("t", "x").repeated(Count));
+    QTRY_COMPARE_WITH_TIMEOUT(read, Count, PatienceMs);
+    QVERIFY2(longest <= QMqttConnection::PacketsPerTurn, qPrintable(QString::number(longest)));
+}
+
+QTEST_GUILESS_MAIN(TestReading)
+#include "tst_reading.moc"
