@@ -60,17 +60,22 @@ QMqttConnection *connection(void *self)
  * The events that are possible on the socket, waited for until one is or the time is up; 0 then.  A
  * signal ends the system's wait, but not this one.
  */
-short waitFor(int socket, short events, int patienceMs, const QDeadlineTimer &limit)
+short waitFor(int socket, short events, const QDeadlineTimer &limit)
 {
     if (limit.hasExpired()) // also for a socket on which something is possible all the time
         return 0;
-    const QDeadlineTimer patience(std::min<qint64>(patienceMs, limit.remainingTime()));
     pollfd waiting { socket, events, 0 };
     int count = 0;
     do {
-        count = poll(&waiting, 1, int(patience.remainingTime()));
+        count = poll(&waiting, 1, int(limit.remainingTime()));
     } while (count < 0 && errno == EINTR);
     return count > 0 ? waiting.revents : 0;
+}
+
+/** That time from now, but not beyond the limit. */
+QDeadlineTimer within(int ms, const QDeadlineTimer &limit)
+{
+    return std::min(QDeadlineTimer(ms), limit);
 }
 
 } // namespace
@@ -375,12 +380,17 @@ void QMqttConnection::close()
     // First all that waits to be written, and the answers to it: once it has said farewell, the
     // library takes whatever still comes in for a violation, and closes.
     const QDeadlineTimer writeLimit(WriteLimitMs);
+    QDeadlineTimer patience = within(WritePatienceMs, writeLimit);
     while (mosquitto_want_write(m_handle)) {
-        if (!exchange(WritePatienceMs, writeLimit))
+        const Exchanged moved = exchange(patience);
+        if (moved == Nothing)
             return;
+        if (moved == Output) // a broker may well send, and take nothing
+            patience = within(WritePatienceMs, writeLimit);
     }
     const QDeadlineTimer answerLimit(AnswerLimitMs);
-    while (!m_unconfirmed.isEmpty() && exchange(AnswerPatienceMs, answerLimit)) { }
+    while (!m_unconfirmed.isEmpty() && exchange(within(AnswerPatienceMs, answerLimit)) != Nothing) {
+    }
     if (mosquitto_socket(m_handle) >= 0)
         sayFarewell();
 }
@@ -402,8 +412,8 @@ void QMqttConnection::sayFarewell()
         const bool written = mosquitto_socket(handle) < 0; // the library closes its descriptor then
         if (written)
             shutdown(socket, SHUT_WR);
-        const short possible = written ? waitFor(socket, POLLIN, AnswerPatienceMs, limit)
-                                       : waitFor(socket, POLLIN | POLLOUT, FarewellLimitMs, limit);
+        const short possible = written ? waitFor(socket, POLLIN, within(AnswerPatienceMs, limit))
+                                       : waitFor(socket, POLLIN | POLLOUT, limit);
         char discarded[4096];
         ended = !possible
             || ((possible & ~POLLOUT) && ::read(socket, discarded, sizeof discarded) <= 0);
@@ -415,17 +425,18 @@ void QMqttConnection::sayFarewell()
 
 /**
  * Waits until something can be written or read, and does one of it; writing first, so that the
- * queue is seen to be empty before reading adds an acknowledgement to it.  False when nothing
+ * queue is seen to be empty before reading adds an acknowledgement to it.  Nothing when nothing
  * moved, the time is up or all is over.
  */
-bool QMqttConnection::exchange(int patienceMs, const QDeadlineTimer &limit)
+QMqttConnection::Exchanged QMqttConnection::exchange(const QDeadlineTimer &limit)
 {
     const short wanted = mosquitto_want_write(m_handle) ? POLLIN | POLLOUT : POLLIN;
-    const short possible = waitFor(mosquitto_socket(m_handle), wanted, patienceMs, limit);
+    const short possible = waitFor(mosquitto_socket(m_handle), wanted, limit);
     if (!possible)
-        return false;
-    const int code = possible & POLLOUT ? mosquitto_loop_write(m_handle, 1) : readPacket();
-    return code == MOSQ_ERR_SUCCESS;
+        return Nothing;
+    if (possible & POLLOUT)
+        return mosquitto_loop_write(m_handle, 1) == MOSQ_ERR_SUCCESS ? Output : Nothing;
+    return readPacket() == MOSQ_ERR_SUCCESS ? Input : Nothing;
 }
 
 QMqttConnection::Event QMqttConnection::takeEvent()

@@ -76,8 +76,8 @@ public:
 
     /**
      * Leaves the broker so that all that was published arrives there; blocks meanwhile, but not
-     * without a limit. Produces no events and drops the queued ones.  Nothing but deletion may
-     * follow.
+     * without a limit, so that a broker that does nothing for a while may get less. Produces no
+     * events and drops the queued ones.  Nothing but deletion may follow.
      */
     void close();
 
@@ -104,6 +104,7 @@ private Q_SLOTS:
 
 private:
     enum Phase { Opening, Open, Over };
+    enum Exchanged { Nothing, Input, Output };
 
     static void onConnect(mosquitto *handle, void *self, int code, int flags);
     static void onDisconnect(mosquitto *handle, void *self, int code);
@@ -127,7 +128,7 @@ private:
     void keepAlive();
     void scheduleKeepAlive();
     void sayFarewell();
-    bool exchange(int patienceMs, const QDeadlineTimer &limit);
+    Exchanged exchange(const QDeadlineTimer &limit);
     void finishCall(int code);
     void post(Event event);
     void announce();

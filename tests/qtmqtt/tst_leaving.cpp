@@ -9,6 +9,7 @@
 #include <QtCore/QElapsedTimer>
 #include <QtTest/QtTest>
 
+#include <atomic>
 #include <csignal>
 
 #include <sys/time.h>
@@ -60,6 +61,7 @@ private Q_SLOTS:
     void initTestCase();
     void floodDoesNotHoldUs_data();
     void floodDoesNotHoldUs();
+    void floodThatDoesNotReadDoesNotHoldUs();
     void backlogIsWrittenBeforeTheFarewell_data();
     void backlogIsWrittenBeforeTheFarewell();
     void farewellWaitsForTheConfirmationDespiteSignals();
@@ -115,6 +117,31 @@ void TestLeaving::floodDoesNotHoldUs()
     QVERIFY2(time.elapsed() < LeavingLimitMs, qPrintable(QString::number(time.elapsed())));
     peer.join();
     QVERIFY(saidFarewell);
+}
+
+/** What comes in does not prolong the wait for a broker that takes nothing. */
+void TestLeaving::floodThatDoesNotReadDoesNotHoldUs()
+{
+    std::atomic<bool> hasLeft { false };
+    WirePeer peer([&](WirePeer &self) {
+        self.accept();
+        QByteArray flood;
+        for (int i = 0; i < 1000; ++i)
+            flood += FakeBroker::message("t", "x");
+        QElapsedTimer time;
+        time.start();
+        while (time.elapsed() < FloodMs && !hasLeft && self.send(flood)) { }
+    });
+    QMqttClient client;
+    aim(&client, peer.port());
+    client.connectToHost();
+    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    client.publish(QLatin1String("t"), QByteArray(64 << 20, 'x')); // more than the sockets hold
+    QElapsedTimer time;
+    time.start();
+    client.disconnectFromHost();
+    hasLeft = true;
+    QVERIFY2(time.elapsed() < LeavingLimitMs, qPrintable(QString::number(time.elapsed())));
 }
 
 void TestLeaving::backlogIsWrittenBeforeTheFarewell_data()
