@@ -63,7 +63,7 @@ void TestChildren::inheritNothingWhileConnecting()
     QMqttClient client;
     aim(&client, listener.port());
     client.connectToHost();
-    QVERIFY(ownSockets() > before);
+    QTRY_VERIFY(ownSockets() > before);
     QCOMPARE(inheritedSockets(), inheritedAnyway);
     QCOMPARE(client.state(), QMqttClient::Connecting);
 }

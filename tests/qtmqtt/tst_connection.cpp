@@ -296,7 +296,10 @@ void TestConnection::stringBasedConnectionsWork()
     QVERIFY(meta->indexOfMethod("disconnectFromHost()") >= 0);
     QVERIFY(meta->indexOfMethod("publish(QMqttTopicName,QByteArray,quint8,bool)") >= 0);
 
-    // Across an event loop the arguments are copied, which needs their types to be known.
+    // Across an event loop the arguments are copied, which needs their types to be known.  Of the
+    // module only the names are promised.
+    if (IsModule)
+        qRegisterMetaType<QMqttClient::ClientError>("ClientError");
     QSignalSpy errors(&client, SIGNAL(errorChanged(ClientError)));
     int queued = 0;
     connect(

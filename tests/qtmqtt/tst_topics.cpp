@@ -182,7 +182,7 @@ void TestTopics::filterValidity_data()
     QTest::newRow("longest, in more bytes") << QString(65535, QChar(0xfc)) << true;
     QTest::newRow("accents and wildcards") << u8"k\u00fcche/+/\u65e5/#" << true;
     QTest::newRow("wildcard behind an accent") << u8"k\u00fc+" << false;
-    QTest::newRow("200 slashes") << QString(200, '/') << true;
+    QTest::newRow("many slashes") << QString(65535, '/') << true;
 }
 
 void TestTopics::filterValidity()
