@@ -35,7 +35,8 @@ class QMqttClientPrivate;
  * Every slot may delete the client, disconnect it or connect it again.
  *
  * There is no automatic reconnection, and subscriptions are not repeated: an application does both.
- * The properties can be set while Disconnected; at other times a setter does nothing.
+ * The properties can be set while Disconnected; at other times a setter does nothing, as it does
+ * with a value that the property has already.
  *
  * The names that are overloaded are those that the Qt module overloads, so that a function whose
  * address can be taken there can be taken here, and no other: use a lambda for connectToHost().
@@ -61,32 +62,49 @@ class QMqttClient : public QObject {
     Q_PROPERTY(
         bool autoKeepAlive READ autoKeepAlive WRITE setAutoKeepAlive NOTIFY autoKeepAliveChanged)
 public:
+    /** What a connection can run over.  Known by name only: here it is always a TCP socket. */
     enum TransportType { IODevice = 0, AbstractSocket, SecureSocket };
 
-    enum ClientState { Disconnected = 0, Connecting, Connected };
+    enum ClientState {
+        /** There is no connection, and none is being made. */
+        Disconnected = 0,
+        /** From connectToHost() until the broker has accepted, or the attempt has failed. */
+        Connecting,
+        /** The broker has accepted; only now can be published and subscribed. */
+        Connected
+    };
     Q_ENUM(ClientState)
 
     /** 1 to 5 are the broker's refusals; a refusal with another number is passed on as that number.
      */
     enum ClientError {
         NoError = 0,
+        /** The broker does not speak protocolVersion(). */
         InvalidProtocolVersion = 1,
+        /** Also when the client id cannot be sent, or there is none for a session that is to be
+         * remembered. */
         IdRejected = 2,
         /** Also when the broker did not answer for the keep-alive time. */
         ServerUnavailable = 3,
+        /** Also when they cannot be sent, or there is a password without a user. */
         BadUsernameOrPassword = 4,
         NotAuthorized = 5,
         /** The network connection could not be made, or was lost. */
         TransportInvalid = 256,
-        /** What came was not MQTT. */
+        /** What came was not MQTT, or not what the broker may send then; or the will cannot be
+         * sent. */
         ProtocolViolation,
+        /** Never reported. */
         UnknownError,
+        /** Never reported. */
         Mqtt5SpecificError
     };
     Q_ENUM(ClientError)
 
     enum ProtocolVersion {
+        /** The one before the standard. */
         MQTT_3_1 = 3,
+        /** The usual one. */
         MQTT_3_1_1 = 4,
         /** Known by name only; setProtocolVersion() does not take it. */
         MQTT_5_0 = 5
@@ -104,7 +122,8 @@ public:
      * A filter that is already subscribed (or pending) gives the same object and sends nothing.
      *
      * Null, and nothing is sent, unless Connected, with an invalid filter or with @p qos above 2;
-     * the latter two also log a warning.
+     * the latter two also log a warning.  Null without a warning for a filter that cannot be sent:
+     * with control characters, or of more than 65535 bytes.
      */
     QMqttSubscription *subscribe(const QMqttTopicFilter &topic, quint8 qos = 0);
     /** The same: before MQTT 5 there are no properties to send. */
@@ -122,9 +141,10 @@ public:
      * messageSent() reports once the broker has confirmed it.  An empty message with @p retain
      * deletes the one the broker keeps.
      *
-     * -1, and nothing is sent or kept for later, unless Connected, with an invalid topic, with @p
-     * qos above 2 or for a message over 256 MB.  It leaves when the event loop runs; a connection
-     * that is broken without our knowing takes messages, and loses them.
+     * -1, and nothing is sent or kept for later, unless Connected, with an invalid topic or one
+     * that cannot be sent (with control characters, or of more than 65535 bytes), with @p qos above
+     * 2 or for a message over 256 MB.  It leaves when the event loop runs; a connection that is
+     * broken without our knowing takes messages, and loses them.
      *
      * When the connection is lost, messages not yet confirmed are dropped; none is sent again.
      */
@@ -145,22 +165,33 @@ public:
     quint16 port() const;
     /** 23 random hexadecimal digits until set.  Empty: the broker makes one up. */
     QString clientId() const;
-    /** Seconds of silence after which a ping is sent; 0: never.  1 to 4 have the effect of 5. */
+    /** Seconds of silence after which a ping is sent, 60 until set; 0: never.  1 to 4 have the
+     * effect of 5. */
     quint16 keepAlive() const;
+    /** MQTT_3_1_1 until set; MQTT_3_1 is the only other one that it can be set to. */
     ProtocolVersion protocolVersion() const;
+    /** As stateChanged() has told it: does not run ahead of the signals. */
     ClientState state() const;
     /** The last error; back to NoError, without a signal, when connecting starts. */
     ClientError error() const;
+    /** Empty, as it is until set: none. */
     QString username() const;
+    /** Empty, as it is until set: none.  Goes over the wire as it is, and with a user name only. */
     QString password() const;
+    /** True, as it is until set: the broker forgets this client when the connection ends.  False:
+     * it keeps subscriptions and messages for it, which needs a client id that stays the same. */
     bool cleanSession() const;
-    /** The topic of the message the broker publishes should this client vanish; empty: no message.
-     */
+    /** The topic of the message the broker publishes should this client vanish; empty, as it is
+     * until set: no message. */
     QString willTopic() const;
+    /** That message, of 65535 bytes at most; empty until set. */
     QByteArray willMessage() const;
+    /** Its quality of service: 0, as it is until set, 1 or 2; setting anything else is ignored. */
     quint8 willQoS() const;
+    /** Whether the broker keeps it for later subscribers; false until set. */
     bool willRetain() const;
-    /** Whether pings are sent at all.  Without them the broker ends a silent connection. */
+    /** Whether pings are sent by themselves; true until set.  Without them the broker ends a silent
+     * connection, and nobody notices a broker that has fallen silent. */
     bool autoKeepAlive() const;
 
     /**
@@ -169,8 +200,9 @@ public:
      *
      * Without a host name or port only errorChanged(TransportInvalid) is emitted, inside the call.
      *
-     * Settings that cannot be sent as they are (control characters, a will for a filter) make the
-     * attempt fail, with IdRejected, BadUsernameOrPassword or ProtocolViolation.
+     * Settings that cannot be sent as they are (control characters, a password without a user name,
+     * a will for a filter or of more than 65535 bytes) make the attempt fail, with IdRejected,
+     * BadUsernameOrPassword or ProtocolViolation.
      */
     Q_INVOKABLE void connectToHost();
 
@@ -179,23 +211,31 @@ public:
      * is logged, and errorChanged(TransportInvalid) is emitted inside the call.
      */
     void connectToHostEncrypted(const QString &sslPeerName = QString());
+    /** The same, whatever the configuration. */
     void connectToHostEncrypted(const QSslConfiguration &conf);
 
     /**
      * Leaves the broker: all that was published goes out first, then the state changes, inside the
      * call. Messages that have not been delivered yet are discarded.  Blocks while the broker takes
-     * its time: for up to 30 seconds as long as it reads, otherwise for a few seconds.
+     * its time: for up to 30 seconds as long as it reads what goes out, for two when it does not,
+     * and then for a few more while it answers.
      *
-     * While Connecting the attempt is given up, with TransportInvalid.
+     * While Connecting the attempt is given up, with TransportInvalid.  Does nothing while
+     * Disconnected.
      */
     Q_INVOKABLE void disconnectFromHost();
 
 Q_SIGNALS:
+    /** The broker has accepted; after stateChanged(Connected). */
     void connected();
+    /** A connection has ended, or an attempt to make one has failed; after
+     * stateChanged(Disconnected).  Not when the client is deleted. */
     void disconnected();
-    /** A message came; exactly once for each, whatever number of subscriptions it matches. */
+    /** A message came; exactly once for each, whatever number of subscriptions it matches, and also
+     * if there is none. */
     void messageReceived(const QByteArray &message, const QMqttTopicName &topic = QMqttTopicName());
-    /** The broker has confirmed the message that publish() gave this id. */
+    /** The broker has confirmed the message that publish() gave this id.  Never for a message at
+     * quality of service 0, nor for one that was lost with its connection. */
     void messageSent(int id);
     /** The broker has confirmed that message: Acknowledged at quality of service 1, Completed at 2,
      * and no other status.  Emitted before messageSent(). */
@@ -206,12 +246,17 @@ Q_SIGNALS:
     /** The broker remembers this client's last session; emitted before connected(). */
     void brokerSessionRestored();
 
+    // For each property, with its new value: emitted when it has changed, not when it was set to
+    // what it was.
     void hostnameChanged(QString hostname);
     void portChanged(quint16 port);
     void clientIdChanged(QString clientId);
     void keepAliveChanged(quint16 keepAlive);
     void protocolVersionChanged(ProtocolVersion protocolVersion);
+    /** Emitted for each change, and before the signal that tells of the same event. */
     void stateChanged(ClientState state);
+    /** An error, after the signals of the state that it led to.  Not emitted when connecting starts
+     * and error() goes back to NoError. */
     void errorChanged(ClientError error);
     void usernameChanged(QString username);
     void passwordChanged(QString password);
@@ -227,7 +272,6 @@ public Q_SLOTS:
     void setPort(quint16 port);
     void setClientId(const QString &clientId);
     void setKeepAlive(quint16 keepAlive);
-    /** Takes MQTT_3_1 and MQTT_3_1_1; anything else is ignored. */
     void setProtocolVersion(ProtocolVersion protocolVersion);
     /** For tests of an application: emits what a real change would emit, and changes no connection.
      */
@@ -239,7 +283,6 @@ public Q_SLOTS:
     void setCleanSession(bool cleanSession);
     void setWillTopic(const QString &willTopic);
     void setWillMessage(const QByteArray &willMessage);
-    /** 0, 1 or 2; anything else is ignored. */
     void setWillQoS(quint8 willQoS);
     void setWillRetain(bool willRetain);
     void setAutoKeepAlive(bool autoKeepAlive);

@@ -22,22 +22,32 @@ class QMqttSubscription : public QObject {
     Q_PROPERTY(QMqttTopicFilter topic READ topic)
 public:
     enum SubscriptionState {
+        /** Ended, by unsubscribe() or with its connection. */
         Unsubscribed = 0,
+        /** From the start until the broker answers. */
         SubscriptionPending,
+        /** The broker has agreed. */
         Subscribed,
+        /** From unsubscribe() until the broker answers. */
         UnsubscriptionPending,
         /** The broker refused the subscription. */
         Error
     };
     Q_ENUM(SubscriptionState)
 
+    /** SubscriptionPending at first; never back from Unsubscribed or Error. */
     SubscriptionState state() const { return m_state; }
+    /** What was subscribed to; always valid, and the same for life. */
     QMqttTopicFilter topic() const { return m_topic; }
-    /** The quality of service asked for; from Subscribed on, the one that was granted. */
+    /** The quality of service asked for, 0 to 2; from Subscribed on, the one that was granted. */
     quint8 qos() const { return m_qos; }
 
 Q_SIGNALS:
+    /** Emitted for each change: inside unsubscribe() and disconnectFromHost(), otherwise from the
+     * event loop.  Not for the first state. */
     void stateChanged(SubscriptionState state);
+    /** The broker has granted another quality of service than was asked for; before
+     * stateChanged(Subscribed). */
     void qosChanged(quint8 qos);
     /** A message matching topic() came while Subscribed or pending; emitted after the client's own
      * signal. */

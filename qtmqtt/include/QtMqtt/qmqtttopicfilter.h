@@ -13,24 +13,30 @@
  */
 class QMqttTopicFilter {
 public:
+    /** How match() compares. */
     enum MatchOption {
+        /** All topics alike. */
         NoMatchOption = 0x0,
         /** A wildcard in the first level does not match topics that begin with "$". */
         WildcardsDontMatchDollarTopicMatchOption = 0x1
     };
     Q_DECLARE_FLAGS(MatchOptions, MatchOption)
 
+    /** Any text, also an invalid one; empty by default. */
     QMqttTopicFilter(const QString &filter = QString()) // implicit, like the module's class
         : m_filter(filter)
     {
     }
+    /** The same for a literal. */
     QMqttTopicFilter(QLatin1String filter)
         : m_filter(filter)
     {
     }
 
+    /** Exchanges the two texts; cannot fail. */
     void swap(QMqttTopicFilter &other) noexcept { m_filter.swap(other.m_filter); }
 
+    /** The text as it was given. */
     QString filter() const { return m_filter; }
     void setFilter(const QString &filter) { m_filter = filter; }
 
@@ -39,8 +45,8 @@ public:
 
     /**
      * True for 1 to 65535 characters without U+0000 in which each wildcard fills its level and "#"
-     * is the last one, and with no more than 200 slashes, which is all that can be sent.  A shared
-     * subscription needs a group and a filter.
+     * is the last one.  A shared subscription needs a group and a filter.  A broker may take less:
+     * mosquitto ends the connection at more than 200 slashes.
      */
     bool isValid() const;
 
@@ -50,6 +56,7 @@ public:
      */
     bool match(const QMqttTopicName &name, MatchOptions options = NoMatchOption) const;
 
+    // By the text: letter for letter, and in the order of the characters' codes.
     friend bool operator==(const QMqttTopicFilter &a, const QMqttTopicFilter &b) noexcept
     {
         return a.m_filter == b.m_filter;
@@ -62,6 +69,7 @@ public:
     {
         return a.m_filter < b.m_filter;
     }
+    /** The hash of the text. */
     friend uint qHash(const QMqttTopicFilter &filter, uint seed = 0) noexcept
     {
         return qHash(filter.m_filter, seed);
@@ -75,6 +83,7 @@ Q_DECLARE_OPERATORS_FOR_FLAGS(QMqttTopicFilter::MatchOptions)
 Q_DECLARE_SHARED(QMqttTopicFilter)
 Q_DECLARE_METATYPE(QMqttTopicFilter)
 
+// As the text alone.
 QDataStream &operator<<(QDataStream &out, const QMqttTopicFilter &filter);
 QDataStream &operator>>(QDataStream &in, QMqttTopicFilter &filter);
 
