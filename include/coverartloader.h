@@ -19,9 +19,10 @@ class ImageProvider;
  * A fetch that is no longer wanted is abandoned after one second. While one that is still wanted
  * takes longer than that, the logo is shown, so that no cover stays under another track's title. A
  * fetch is also abandoned when another loader has waited a second for it to end, as only one page
- * is on view at a time. A loader whose page is in no window starts none. When a fetch fails, the
- * logo is shown. When the core moves, the wanted picture is fetched from its new address at once,
- * even if it is already on view. Lives in the GUI thread, may be destroyed at any moment.
+ * is on view at a time. A loader whose page is in no window starts none, nor does it end another's.
+ * When a fetch fails, the logo is shown. When the core moves, the wanted picture is fetched from
+ * its new address at once, even if it is already on view. Lives in the GUI thread, may be destroyed
+ * at any moment.
  */
 class CoverArtLoader : public QObject {
     Q_OBJECT

@@ -78,6 +78,10 @@ void CoverArtLoader::schedule()
 void CoverArtLoader::load()
 {
     m_scheduled = false;
+    if (isOutOfWindow()) {
+        connect(qobject_cast<QQuickItem *>(parent()), &QQuickItem::windowChanged, this,
+            &CoverArtLoader::schedule, Qt::UniqueConnection);
+    }
     if (fetching) {
         if (!waitingLoaders.contains(this))
             waitingLoaders.append(this);
@@ -93,11 +97,8 @@ void CoverArtLoader::load()
         setSource(url);
         return;
     }
-    if (isOutOfWindow()) {
-        connect(qobject_cast<QQuickItem *>(parent()), &QQuickItem::windowChanged, this,
-            &CoverArtLoader::schedule, Qt::UniqueConnection);
+    if (isOutOfWindow())
         return;
-    }
 
     const QPointer<CoverArtLoader> self(this);
     const QUrl address = ImageProvider::imageUrl(id);
@@ -135,9 +136,10 @@ void CoverArtLoader::load()
 
 void CoverArtLoader::patienceEnded()
 {
+    ImageProvider *const provider = m_waitingFor ? m_waitingFor : providerFor(this);
     if (m_waitingFor && m_wanted == m_loading)
         setSource(logo());
-    else if (ImageProvider *const provider = m_waitingFor ? m_waitingFor : providerFor(this))
+    else if (provider && (m_waitingFor || !isOutOfWindow()))
         provider->abandonFetches(); // ours, which is no longer wanted, or another loader's
 }
 

@@ -78,6 +78,11 @@ template <typename Condition, typename Action> void when(Condition condition, Ac
     poll->start(1);
 }
 
+CoverArtLoader *loaderOf(const QQuickItem *page)
+{
+    return page->property("covers").value<CoverArtLoader *>();
+}
+
 /** What a picture item does with a loader's source: loads it whenever its address changes. */
 class PictureItem : public QObject {
 public:
@@ -154,6 +159,8 @@ private slots:
     void nextLoaderIsServedAfterADestroyedOne();
     void loaderThatNobodyStopsIsNotWaitedForLong();
     void loaderOfAPageFetchesInAWindowOnly();
+    void pageThatIsLeftHurriesNobody();
+    void pageThatComesWhileAnotherHangsIsServed();
     void everyLoaderThatWaitsIsServed();
     void loaderThatWaitsIsServedBeforeAFurtherWish();
     void destroyedLoaderThatWaitsIsForgotten();
@@ -163,6 +170,8 @@ private slots:
 
 private:
     CoverArtLoader *create();
+    /** A page in no window, with a loader of its own; the caller's. */
+    QQuickItem *createPage();
     /** Runs @p action once the server has been asked for the picture @p key. */
     template <typename Action> void whenAskedFor(const char *key, Action action)
     {
@@ -234,6 +243,18 @@ void TestCoverArtLoader::wantDuringAFetch(const char *first, const char *second,
         QTimer::singleShot(
             1, m_loader, [this, third] { m_loader->setWanted(urlOf(QString::fromLatin1(third))); });
     });
+}
+
+QQuickItem *TestCoverArtLoader::createPage()
+{
+    QQmlComponent component(m_engine.get());
+    component.setData("import QtQuick 2.15\nimport Velunor.Images 1.0\n"
+                      "Item { property CoverArtLoader covers: CoverArtLoader {} }",
+        QUrl());
+    auto *const page = qobject_cast<QQuickItem *>(component.create());
+    if (!page)
+        qFatal("%s", qPrintable(component.errorString()));
+    return page;
 }
 
 void TestCoverArtLoader::metaObjectIsTheInterface()
@@ -623,15 +644,8 @@ void TestCoverArtLoader::loaderThatNobodyStopsIsNotWaitedForLong()
 void TestCoverArtLoader::loaderOfAPageFetchesInAWindowOnly()
 {
     m_server->setBehaviour(QStringLiteral("A"), png(Qt::red));
-    QQmlComponent component(m_engine.get());
-    component.setData("import QtQuick 2.15\nimport Velunor.Images 1.0\n"
-                      "Item { property CoverArtLoader covers: CoverArtLoader {} }",
-        QUrl());
-    const QScopedPointer<QObject> made(component.create());
-    auto *const page = qobject_cast<QQuickItem *>(made.data());
-    QVERIFY2(page, qPrintable(component.errorString()));
-    auto *const covers = page->property("covers").value<CoverArtLoader *>();
-    QVERIFY(covers);
+    const QScopedPointer<QQuickItem> page(createPage());
+    auto *const covers = loaderOf(page.data());
     covers->setWanted(urlOf(QStringLiteral("A")));
     QCoreApplication::processEvents();
     QCOMPARE(m_provider->deepest, 0);
@@ -645,6 +659,44 @@ void TestCoverArtLoader::loaderOfAPageFetchesInAWindowOnly()
     QCoreApplication::processEvents();
     QCOMPARE(requestsFor("B"), 0);
     QCOMPARE(m_provider->depth, 0);
+}
+
+void TestCoverArtLoader::pageThatIsLeftHurriesNobody()
+{
+    m_server->setBehaviour(QStringLiteral("A"), png(Qt::red, VerySlowMs));
+    QQuickWindow window;
+    const QScopedPointer<QQuickItem> never(createPage());
+    const QScopedPointer<QQuickItem> left(createPage());
+    left->setParentItem(window.contentItem());
+    m_loader->setWanted(urlOf(QStringLiteral("A")));
+    whenAskedFor("A", [&] {
+        loaderOf(never.data())->setWanted(urlOf(QStringLiteral("B")));
+        loaderOf(left.data())->setWanted(urlOf(QStringLiteral("B")));
+        QTimer::singleShot(SlowMs, left.data(), [&] { left->setParentItem(nullptr); });
+    });
+    QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
+    QCoreApplication::processEvents();
+    QCOMPARE(requestsFor("B"), 0);
+}
+
+void TestCoverArtLoader::pageThatComesWhileAnotherHangsIsServed()
+{
+    m_server->setBehaviour(QStringLiteral("A"), kind(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(QStringLiteral("B"), png(Qt::blue));
+    QQuickWindow window;
+    const QScopedPointer<QQuickItem> page(createPage());
+    m_loader->setWanted(urlOf(QStringLiteral("A")));
+    whenAskedFor("A", [&] {
+        loaderOf(page.data())->setWanted(urlOf(QStringLiteral("B")));
+        QTimer::singleShot(SlowMs, page.data(), [&] { page->setParentItem(window.contentItem()); });
+    });
+    bool hadToBeEnded = false; // or this function would never go on
+    QTimer::singleShot(2 * VerySlowMs, m_loader, [&] {
+        hadToBeEnded = requestsFor("B") == 0;
+        m_provider->abandonFetches();
+    });
+    QTRY_COMPARE(loaderOf(page.data())->source(), urlOf(QStringLiteral("B")));
+    QVERIFY(!hadToBeEnded);
 }
 
 void TestCoverArtLoader::everyLoaderThatWaitsIsServed()
