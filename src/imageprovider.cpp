@@ -134,9 +134,9 @@ QImage ImageProvider::fetchedImage(const QUrl &url, QSize *size)
 }
 
 /**
- * Asks for @p url and waits. Null if the wait was ended from outside, because it was abandoned or
- * the program quits, even if the reply came at that very moment. A reply that is longer than any
- * picture may be is returned as far as it has arrived.
+ * Asks for @p url and waits. Null if the wait was ended from outside: because it was abandoned,
+ * even if the reply came at that very moment, or because the program quits before it has come. A
+ * reply that is longer than any picture may be is returned as far as it has arrived.
  */
 QNetworkReply *ImageProvider::get(QNetworkAccessManager &manager, const QUrl &url)
 {

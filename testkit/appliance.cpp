@@ -19,8 +19,7 @@ Appliance::Appliance(QObject *parent)
 
 bool Appliance::startServices()
 {
-    return broker.start() && services.connectToBroker()
-        && Opening::publish(services, "paused", images.address());
+    return services.startBroker(&broker) && Opening::publish(services, "paused", images.address());
 }
 
 bool Appliance::start()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/services/brokerclient.h"
 
+#include "testkit/services/broker.h"
 #include "testkit/waiting.h"
 
 #include <QMqttMessage>
@@ -37,6 +38,11 @@ bool BrokerClient::connectToBroker()
         return false;
     }
     return true;
+}
+
+bool BrokerClient::startBroker(Broker *broker)
+{
+    return broker->start() && connectToBroker();
 }
 
 void BrokerClient::publish(const QString &topic, const QByteArray &payload, bool retain)

@@ -8,6 +8,8 @@
 
 #include <chrono>
 
+class Broker;
+
 /**
  * The appliance's other services, as one client of the broker: publishes what they publish and
  * records, in order, all that arrives at the broker, its own messages included.
@@ -31,6 +33,8 @@ public:
      * confirm it.
      */
     bool connectToBroker();
+    /** Starts the broker, then connectToBroker(). */
+    bool startBroker(Broker *broker);
 
     /** Publishes at QoS 1.  The message leaves when the event loop runs. */
     void publish(const QString &topic, const QByteArray &payload, bool retain = false);

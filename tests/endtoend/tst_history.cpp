@@ -134,8 +134,7 @@ void TestHistory::initTestCase()
         behaviour.kind = Behaviour::Garbage;
         server->setBehaviour("garbage", behaviour);
     }
-    QVERIFY(m_broker.start());
-    QVERIFY(m_services.connectToBroker());
+    QVERIFY(m_services.startBroker(&m_broker));
     m_services.publish(Topics::Spotify + "state", "playing", true);
     QVERIFY(m_services.flush());
 }

@@ -118,9 +118,8 @@ void TestMessaging::announcesTheWantedZone()
 void TestMessaging::whatWasPublishedBeforeTheConnectionIsLost()
 {
     Broker broker;
-    QVERIFY(broker.start());
     BrokerClient services;
-    QVERIFY(services.connectToBroker());
+    QVERIFY(services.startBroker(&broker));
     const Panel panel;
     Program program;
     QVERIFY(program.startAndWait());
@@ -142,9 +141,8 @@ void TestMessaging::whatWasPublishedBeforeTheConnectionIsLost()
 void TestMessaging::retainedStateIsTakenOver()
 {
     Broker broker;
-    QVERIFY(broker.start());
     BrokerClient services;
-    QVERIFY(services.connectToBroker());
+    QVERIFY(services.startBroker(&broker));
     services.publish(RemoteControl + QStringLiteral("roon/Roon/coreDetected"), "true", true);
     services.publish(RemoteControl + QStringLiteral("roon/Zones/available"),
         R"([{"id":"z1","name":"Hugo2X"}])", true);
@@ -373,9 +371,8 @@ void TestMessaging::oddInputGetsItsLogLine()
     QFETCH(QByteArray, payload);
     QFETCH(QStringList, lines);
     Broker broker;
-    QVERIFY(broker.start());
     BrokerClient services;
-    QVERIFY(services.connectToBroker());
+    QVERIFY(services.startBroker(&broker));
     Program program;
     QVERIFY(program.startAndWait());
     QVERIFY(program.waitForLine(Announced));
@@ -404,9 +401,8 @@ void TestMessaging::oddInputGetsItsLogLine()
 void TestMessaging::randomMessagesDoNoHarm()
 {
     Broker broker;
-    QVERIFY(broker.start());
     BrokerClient services;
-    QVERIFY(services.connectToBroker());
+    QVERIFY(services.startBroker(&broker));
     Program program;
     program.unsetEnvironment(QStringLiteral("TOUCHUI_DEBUG"));
     QVERIFY(program.startAndWait());

@@ -20,9 +20,8 @@ private slots:
 void TestSmoke::startsShowsAndStops()
 {
     Broker broker;
-    QVERIFY(broker.start());
     BrokerClient services;
-    QVERIFY(services.connectToBroker());
+    QVERIFY(services.startBroker(&broker));
     NotifySocket serviceManager;
     const Panel panel;
 

@@ -194,8 +194,7 @@ bool TestWholeLibrary::coverIsThatOfTheAlbum()
 void TestWholeLibrary::everyTrackIsShownAsItPlays()
 {
     const Panel panel;
-    QVERIFY(m_broker.start());
-    QVERIFY(m_listener.connectToBroker());
+    QVERIFY(m_listener.startBroker(&m_broker));
     // Fast enough that a track ends soon, slow enough that the next can be paused before its end.
     QVERIFY(m_simulator.startAndWait({ "--scenario", "playing", "--speed", "12" }));
     QVERIFY(m_program.startAndWait());

@@ -23,6 +23,7 @@ Listener::Listener(quint16 port)
         [this](const QByteArray &payload, const QMqttTopicName &topic) {
             received.append({ topic.name(), payload });
         });
+    QObject::connect(&client, &QMqttClient::messageSent, &client, [this] { ++confirmed; });
     client.connectToHost();
     if (!QTest::qWaitFor([this] { return client.state() == QMqttClient::Connected; }, PatienceMs))
         qFatal("No connection to the test's own broker");

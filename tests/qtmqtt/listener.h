@@ -24,6 +24,7 @@ public:
     QMqttSubscription *subscribe(const QString &filter, quint8 qos = 0);
     QList<QByteArray> payloads() const;
 
-    QList<Message> received; // outlives the client
+    QList<Message> received; // these two outlive the client
+    int confirmed = 0;       ///< how many messages of its own have been confirmed, or sent at QoS 0
     QMqttClient client;
 };

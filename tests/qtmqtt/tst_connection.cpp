@@ -3,6 +3,7 @@
 #include "fakebroker.h"
 #include "oursalone.h"
 #include "resolver.h"
+#include "loggedclient.h"
 #include "signallog.h"
 #include "stubbornlistener.h"
 #include "testbroker.h"
@@ -312,16 +313,14 @@ void TestConnection::stringBasedConnectionsWork()
 
 void TestConnection::successfulConnection()
 {
-    QMqttClient client;
-    aim(&client, m_broker.port());
-    SignalLog log(&client);
+    LoggedClient client(m_broker.port());
     client.connectToHost();
-    QCOMPARE(log.take(), Attempt);
+    QCOMPARE(client.log.take(), Attempt);
     QCOMPARE(client.state(), QMqttClient::Connecting);
-    TRY_LOG(log, Success);
+    TRY_LOG(client.log, Success);
     QCOMPARE(client.state(), QMqttClient::Connected);
     client.connectToHost();
-    QCOMPARE(log.take(), QStringList());
+    QCOMPARE(client.log.take(), QStringList());
     QTRY_VERIFY(m_broker.log().contains(client.clientId().toLatin1() + " (p2, c1, k60)."));
 }
 
@@ -364,14 +363,12 @@ void TestConnection::deletedDuringTheLookupIsSilent()
 
 void TestConnection::refusedConnection()
 {
-    QMqttClient client;
-    aim(&client, deafPort());
-    SignalLog log(&client);
+    LoggedClient client(deafPort());
     for (int i = 0; i < 2; ++i) {
         client.connectToHost();
-        QCOMPARE(log.take(), Attempt);
+        QCOMPARE(client.log.take(), Attempt);
         QCOMPARE(client.error(), QMqttClient::NoError);
-        TRY_LOG(log, Loss);
+        TRY_LOG(client.log, Loss);
         QCOMPARE(client.error(), QMqttClient::TransportInvalid);
     }
 }
@@ -420,43 +417,36 @@ void TestConnection::missingAddressFailsAfterAConnection()
 void TestConnection::slowPeerIsWaitedFor()
 {
     StubbornListener listener;
-    QMqttClient client;
-    aim(&client, listener.port());
-    SignalLog log(&client);
+    LoggedClient client(listener.port());
     client.connectToHost();
-    QCOMPARE(log.take(), Attempt);
+    QCOMPARE(client.log.take(), Attempt);
     listener.yield();
     QTRY_VERIFY_WITH_TIMEOUT(listener.hasCaller(), PatienceMs);
-    QCOMPARE(log.take(), QStringList());
+    QCOMPARE(client.log.take(), QStringList());
     QTcpSocket peer;
     QVERIFY(peer.setSocketDescriptor(listener.accept()));
     // The request could not be sent when it was made.
     QTRY_COMPARE(peer.bytesAvailable(), 2 + 0x23);
     peer.write(FakeBroker::acceptance());
-    TRY_LOG(log, Success);
+    TRY_LOG(client.log, Success);
 }
 
 void TestConnection::lateRefusalIsALoss()
 {
     StubbornListener listener;
-    QMqttClient client;
-    aim(&client, listener.port());
-    SignalLog log(&client);
+    LoggedClient client(listener.port());
     client.connectToHost();
-    QCOMPARE(log.take(), Attempt);
+    QCOMPARE(client.log.take(), Attempt);
     listener.close();
-    TRY_LOG(log, Loss);
+    TRY_LOG(client.log, Loss);
 }
 
 void TestConnection::secondCallWhileConnectingDoesNothing()
 {
     FakeBroker peer;
-    QMqttClient client;
-    aim(&client, peer.port());
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
     client.connectToHost();
-    client.connectToHost();
-    TRY_LOG(log, Attempt + Success);
+    QVERIFY(client.connects());
     QCOMPARE(peer.connections(), 1);
 }
 
@@ -472,17 +462,15 @@ void TestConnection::peerThatClosesFails()
     QFETCH(bool, reset);
     FakeBroker peer;
     peer.setAnswer(QByteArray());
-    QMqttClient client;
-    aim(&client, peer.port());
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
     client.connectToHost();
     QTRY_COMPARE(peer.packets().size(), 1);
-    QCOMPARE(log.take(), Attempt);
+    QCOMPARE(client.log.take(), Attempt);
     if (reset)
         peer.resetConnection();
     else
         peer.closeConnection();
-    TRY_LOG(log, Loss);
+    TRY_LOG(client.log, Loss);
 }
 
 void TestConnection::refusalGivesItsError_data()
@@ -505,13 +493,11 @@ void TestConnection::refusalGivesItsError()
     FakeBroker peer;
     peer.setAnswer(QByteArray::fromHex("200200") + char(code));
     peer.setClosing(true);
-    QMqttClient client;
-    aim(&client, peer.port());
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
     client.connectToHost();
-    TRY_LOG(log, Attempt + failure(error));
+    TRY_LOG(client.log, Attempt + failure(error));
     QTRY_VERIFY(peer.isDeserted());
-    QCOMPARE(log.take(), QStringList()); // the closing is not told as another error
+    QCOMPARE(client.log.take(), QStringList()); // the closing is not told as another error
 }
 
 void TestConnection::foreignProtocolIsAViolation_data()
@@ -531,11 +517,9 @@ void TestConnection::foreignProtocolIsAViolation()
     QFETCH(QByteArray, bytes);
     FakeBroker peer;
     peer.setAnswer(bytes);
-    QMqttClient client;
-    aim(&client, peer.port());
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
     client.connectToHost();
-    TRY_LOG(log, Attempt + failure("ProtocolViolation"));
+    TRY_LOG(client.log, Attempt + failure("ProtocolViolation"));
     QTRY_VERIFY(peer.isDeserted());
 }
 
@@ -543,13 +527,11 @@ void TestConnection::answerInPiecesIsUnderstood()
 {
     FakeBroker peer;
     peer.setAnswer(QByteArray());
-    QMqttClient client;
-    aim(&client, peer.port());
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
     client.connectToHost();
     QTRY_COMPARE(peer.packets().size(), 1);
     peer.sendByteWise(FakeBroker::acceptance());
-    TRY_LOG(log, Attempt + Success);
+    TRY_LOG(client.log, Attempt + Success);
 }
 
 void TestConnection::acceptedAndClosedAtOnceIsLost()
@@ -557,11 +539,9 @@ void TestConnection::acceptedAndClosedAtOnceIsLost()
     FakeBroker peer;
     peer.setAnswer(FakeBroker::acceptance() + FakeBroker::message("t", "last words"));
     peer.setClosing(true);
-    QMqttClient client;
-    aim(&client, peer.port());
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
     client.connectToHost();
-    TRY_LOG(log, Attempt + Success + QStringList { "message last words" } + Loss);
+    TRY_LOG(client.log, Attempt + Success + QStringList { "message last words" } + Loss);
 }
 
 /** Neither for the acknowledgement of the packet before, nor the broker for ours. */
@@ -591,14 +571,11 @@ void TestConnection::killedBroker()
 {
     TestBroker broker;
     QVERIFY(broker.start());
-    QMqttClient client;
-    aim(&client, broker.port());
-    SignalLog log(&client);
-    client.connectToHost();
-    TRY_LOG(log, Attempt + Success);
+    LoggedClient client(broker.port());
+    QVERIFY(client.connects());
     broker.kill();
-    QCOMPARE(log.take(), QStringList());
-    TRY_LOG(log, Loss);
+    QCOMPARE(client.log.take(), QStringList());
+    TRY_LOG(client.log, Loss);
     QCOMPARE(client.error(), QMqttClient::TransportInvalid);
 }
 
@@ -606,13 +583,10 @@ void TestConnection::stoppedBroker()
 {
     TestBroker broker;
     QVERIFY(broker.start());
-    QMqttClient client;
-    aim(&client, broker.port());
-    SignalLog log(&client);
-    client.connectToHost();
-    TRY_LOG(log, Attempt + Success);
+    LoggedClient client(broker.port());
+    QVERIFY(client.connects());
     broker.stop();
-    TRY_LOG(log, Loss);
+    TRY_LOG(client.log, Loss);
 }
 
 void TestConnection::takenOverClientId()
@@ -632,13 +606,10 @@ void TestConnection::takenOverClientId()
 void TestConnection::resetConnection()
 {
     FakeBroker peer;
-    QMqttClient client;
-    aim(&client, peer.port());
-    SignalLog log(&client);
-    client.connectToHost();
-    TRY_LOG(log, Attempt + Success);
+    LoggedClient client(peer.port());
+    QVERIFY(client.connects());
     peer.resetConnection();
-    TRY_LOG(log, Loss);
+    TRY_LOG(client.log, Loss);
 }
 
 void TestConnection::reconnectsAfterLoss()
@@ -677,14 +648,12 @@ void TestConnection::attemptsLeaveNoDescriptorsOpen()
 
 void TestConnection::leavingIsSynchronousAndNoError()
 {
-    QMqttClient client;
-    aim(&client, m_broker.port());
-    SignalLog log(&client);
+    LoggedClient client(m_broker.port());
     for (int i = 0; i < 2; ++i) {
         client.connectToHost();
-        TRY_LOG(log, Attempt + Success);
+        TRY_LOG(client.log, Attempt + Success);
         client.disconnectFromHost();
-        QCOMPARE(log.take(), Farewell);
+        QCOMPARE(client.log.take(), Farewell);
         QCOMPARE(client.error(), QMqttClient::NoError);
     }
     QTRY_COMPARE(m_broker.log().count(client.clientId().toLatin1() + " disconnected."), 2);
@@ -694,21 +663,19 @@ void TestConnection::leavingWhileConnectingIsAnError()
 {
     FakeBroker peer;
     peer.setAnswer(QByteArray());
-    QMqttClient client;
-    aim(&client, peer.port());
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
     client.connectToHost();
-    log.take();
+    client.log.take();
     client.disconnectFromHost();
-    QCOMPARE(log.take(), Loss);
+    QCOMPARE(client.log.take(), Loss);
 
     client.setHostname("localhost"); // given up during the lookup
     client.connectToHost();
     client.disconnectFromHost();
-    QCOMPARE(log.take(), Attempt + Loss);
+    QCOMPARE(client.log.take(), Attempt + Loss);
     QTRY_VERIFY(peer.isDeserted());
     QCOMPARE(peer.connections(), 1);
-    QCOMPARE(log.take(), QStringList());
+    QCOMPARE(client.log.take(), QStringList());
 }
 
 void TestConnection::leavingWhileDisconnectedDoesNothing()

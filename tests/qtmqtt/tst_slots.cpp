@@ -3,6 +3,7 @@
 #include "fakebroker.h"
 #include "listener.h"
 #include "oursalone.h"
+#include "loggedclient.h"
 #include "signallog.h"
 #include "testbroker.h"
 
@@ -69,8 +70,6 @@ void TestSlots::waitingSlotIsNotEnteredAgain()
 {
     OURS_ALONE("the module goes on with the next byte from the broker only");
     Listener publisher(m_broker.port());
-    int confirmed = 0;
-    connect(&publisher.client, &QMqttClient::messageSent, this, [&] { ++confirmed; });
 
     Listener listener(m_broker.port());
     listener.subscribe("wait");
@@ -82,7 +81,7 @@ void TestSlots::waitingSlotIsNotEnteredAgain()
             for (int i = 1; i <= 5; ++i)
                 publisher.client.publish(QLatin1String("wait"), QByteArray::number(i), 1);
             // The broker serves subscribers before it confirms, so then they are here.
-            QVERIFY(waitInside([&] { return confirmed == 6; }));
+            QVERIFY(waitInside([&] { return publisher.confirmed == 6; }));
             QTest::qWait(50);
             duringTheWait = listener.received.size();
         }
@@ -98,8 +97,6 @@ void TestSlots::waitingSlotHoldsBackAllSignals()
 {
     OURS_ALONE("the module goes on with the next byte from the broker only");
     Listener other(m_broker.port());
-    int confirmed = 0;
-    connect(&other.client, &QMqttClient::messageSent, this, [&] { ++confirmed; });
 
     Listener listener(m_broker.port());
     listener.subscribe("hold");
@@ -111,7 +108,7 @@ void TestSlots::waitingSlotHoldsBackAllSignals()
         pending = listener.client.subscribe(QLatin1String("another"));
         connect(pending, &QMqttSubscription::stateChanged, this, [&] { order += "subscribed"; });
         other.client.publish(QLatin1String("else"), "x", 1);
-        QVERIFY(waitInside([&] { return confirmed == 2; }));
+        QVERIFY(waitInside([&] { return other.confirmed == 2; }));
         QTest::qWait(50);
         order += "returns";
     });
@@ -203,18 +200,16 @@ void TestSlots::waitInConnectedHoldsBackMessages()
     OURS_ALONE("the module goes on with the next byte from the broker only");
     FakeBroker peer;
     peer.setAnswer(FakeBroker::acceptance() + FakeBroker::message("t", "1"));
-    QMqttClient client;
-    aim(&client, peer.port());
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
     connect(&client, &QMqttClient::connected, this, [&] {
         peer.send(FakeBroker::message("t", "2"));
         peer.send(QByteArray(2, '\0')); // no such packet, so the connection ends
         QVERIFY(waitInside([&] { return peer.isDeserted(); }));
-        QVERIFY(!log.contains("message 1"));
+        QVERIFY(!client.log.contains("message 1"));
     });
     client.connectToHost();
     QTRY_COMPARE(client.state(), QMqttClient::Disconnected);
-    QCOMPARE(log.entries().mid(3, 2), (QStringList { "message 1", "message 2" }));
+    QCOMPARE(client.log.entries().mid(3, 2), (QStringList { "message 1", "message 2" }));
 }
 
 void TestSlots::publishingInASlot()

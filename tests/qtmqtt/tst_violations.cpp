@@ -2,7 +2,7 @@
 #include "address.h"
 #include "fakebroker.h"
 #include "oursalone.h"
-#include "signallog.h"
+#include "loggedclient.h"
 
 #include <QtTest/QtTest>
 
@@ -50,13 +50,11 @@ void TestViolations::endsTheConnection()
     QFETCH(QStringList, before);
     FakeBroker peer;
     peer.setAnswer(bytes);
-    QMqttClient client;
-    aim(&client, peer.port());
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
     client.connectToHost();
-    QTRY_COMPARE(log.entries(), before + Violation);
+    QTRY_COMPARE(client.log.entries(), before + Violation);
     QTRY_VERIFY(peer.isDeserted());
-    QCOMPARE(log.entries(), before + Violation);
+    QCOMPARE(client.log.entries(), before + Violation);
 }
 
 QTEST_GUILESS_MAIN(TestViolations)

@@ -221,9 +221,8 @@ void TestProgram::obeysAndPrintsCommands()
 void TestProgram::printsWhatTheDisplayTells()
 {
     Broker broker;
-    QVERIFY(broker.start());
     BrokerClient display;
-    QVERIFY(display.connectToBroker());
+    QVERIFY(display.startBroker(&broker));
     display.publish(Topics::display() + "zone", "Küche", true);
     SimulatorProgram simulator;
     QVERIFY(simulator.startAndWait());
@@ -369,9 +368,8 @@ void TestProgram::worksWithoutStandardOutput()
 {
     // Whatever takes the place of a closed descriptor must not get the lines.
     Broker broker;
-    QVERIFY(broker.start());
     BrokerClient display;
-    QVERIFY(display.connectToBroker());
+    QVERIFY(display.startBroker(&broker));
     QProcess shell;
     shell.start("sh", { "-c", R"(exec "$0" "$@" >&- 2>&-)", QStringLiteral(TOUCHUI_SIMULATOR) });
     QVERIFY(display.waitFor(zoneTopic("state"), "playing"));

@@ -103,8 +103,7 @@ void TestScreenController::initTestCase()
 {
     QVERIFY2(!QFile::exists(QStringLiteral("/data/velunor-touch.ini")),
         "needs a machine of its own: run it with ctest");
-    QVERIFY(m_broker.start());
-    QVERIFY(m_client.connectToBroker());
+    QVERIFY(m_client.startBroker(&m_broker));
     QTRY_VERIFY_WITH_TIMEOUT(Mqtt::instance()->isConnected(), PatienceMs);
 }
 
