@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "address.h"
 #include "fakebroker.h"
+#include "loggedclient.h"
 #include "oursalone.h"
 #include "resolver.h"
 #include "signallog.h"
@@ -63,10 +64,8 @@ void TestKeepAlive::idleClientDoesNotWakeUp()
     QVERIFY(broker.start());
     const int withoutClient = timesAsleepWithin(SpanMs);
 
-    QMqttClient client;
-    aim(&client, broker.port());
-    client.connectToHost();
-    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    LoggedClient client(broker.port());
+    QVERIFY(client.connects());
     const QMqttSubscription *subscription = client.subscribe(QLatin1String("a"));
     QTRY_COMPARE(subscription->state(), QMqttSubscription::Subscribed);
     broker.log(); // or reading it would count

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "address.h"
 #include "fakebroker.h"
+#include "loggedclient.h"
 
 #include <QtTest/QtTest>
 
@@ -56,11 +57,9 @@ void TestPings::requestWaitsForWhatIsBeingSent()
 {
     const QByteArray payload(32 << 20, 'x'); // more than the sockets hold
     FakeBroker peer;
-    QMqttClient client;
-    aim(&client, peer.port());
+    LoggedClient client(peer.port());
     client.setAutoKeepAlive(false);
-    client.connectToHost();
-    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    QVERIFY(client.connects());
     client.publish(QLatin1String("t"), payload);
     QVERIFY(client.requestPing());
     QTRY_COMPARE_WITH_TIMEOUT(peer.count(FakeBroker::PingRequest), 1, PatienceMs);

@@ -132,44 +132,39 @@ void TestSlots::lossDuringTheWaitComesAfterTheMessages()
 {
     OURS_ALONE("the module tells of the loss at once and drops the messages");
     FakeBroker peer;
-    QMqttClient client;
-    aim(&client, peer.port());
-    client.connectToHost();
-    QTRY_COMPARE(client.state(), QMqttClient::Connected);
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
+    QVERIFY(client.connects());
     connect(&client, &QMqttClient::messageReceived, this, [&](const QByteArray &payload) {
         if (payload != "1")
             return;
         peer.send(FakeBroker::message("t", "2") + FakeBroker::message("t", "3"));
         peer.closeConnection();
         QVERIFY(waitInside([&] { return peer.isDeserted(); }));
-        QCOMPARE(log.entries(), QStringList { "message 1" });
+        QCOMPARE(client.log.entries(), QStringList { "message 1" });
         QCOMPARE(client.state(), QMqttClient::Connected);
     });
     peer.send(FakeBroker::message("t", "1"));
-    QTRY_COMPARE(log.entries(), (QStringList { "message 1", "message 2", "message 3" } + Loss));
+    QTRY_COMPARE(
+        client.log.entries(), (QStringList { "message 1", "message 2", "message 3" } + Loss));
 }
 
 void TestSlots::leavingDuringTheWaitIsImmediate()
 {
     OURS_ALONE("the module does not promise it");
     FakeBroker peer;
-    QMqttClient client;
-    aim(&client, peer.port());
-    client.connectToHost();
-    QTRY_COMPARE(client.state(), QMqttClient::Connected);
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
+    QVERIFY(client.connects());
     bool returned = false;
     connect(&client, &QMqttClient::messageReceived, this, [&] {
         QTimer::singleShot(0, &client, &QMqttClient::disconnectFromHost);
-        QVERIFY(waitInside([&] { return log.contains("disconnected"); }));
+        QVERIFY(waitInside([&] { return client.log.contains("disconnected"); }));
         returned = true;
     });
     peer.send(FakeBroker::message("t", "1") + FakeBroker::message("t", "2"));
     QTRY_VERIFY(returned);
     QTRY_VERIFY(peer.isDeserted());
-    QCOMPARE(
-        log.entries(), (QStringList { "message 1", "stateChanged(Disconnected)", "disconnected" }));
+    QCOMPARE(client.log.entries(),
+        (QStringList { "message 1", "stateChanged(Disconnected)", "disconnected" }));
 
     client.disconnect(this);
     client.connectToHost(); // and all is well afterwards
@@ -246,16 +241,13 @@ void TestSlots::subscribingInASlot()
 void TestSlots::leavingInASlotDiscardsTheRest()
 {
     FakeBroker peer;
-    QMqttClient client;
-    aim(&client, peer.port());
-    client.connectToHost();
-    QTRY_COMPARE(client.state(), QMqttClient::Connected);
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
+    QVERIFY(client.connects());
     connect(&client, &QMqttClient::messageReceived, &client, &QMqttClient::disconnectFromHost);
     peer.send(FakeBroker::message("t", "1") + FakeBroker::message("t", "2"));
     QTRY_VERIFY(peer.isDeserted());
-    QCOMPARE(
-        log.entries(), (QStringList { "message 1", "stateChanged(Disconnected)", "disconnected" }));
+    QCOMPARE(client.log.entries(),
+        (QStringList { "message 1", "stateChanged(Disconnected)", "disconnected" }));
 }
 
 void TestSlots::deleteLaterInASlotDeliversTheRest()
@@ -394,11 +386,8 @@ void TestSlots::reconnectingInASlot()
     OURS_ALONE("the module does not allow it");
     QFETCH(QString, slot);
     FakeBroker peer;
-    QMqttClient client;
-    aim(&client, peer.port());
-    client.connectToHost();
-    QTRY_COMPARE(client.state(), QMqttClient::Connected);
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
+    QVERIFY(client.connects());
     QStringList expected { "stateChanged(Disconnected)" };
     if (slot == "stateChanged") {
         connect(&client, &QMqttClient::stateChanged, this, [&](QMqttClient::ClientState state) {
@@ -414,7 +403,7 @@ void TestSlots::reconnectingInASlot()
     }
     expected += { "stateChanged(Connecting)", "stateChanged(Connected)", "connected" };
     peer.closeConnection();
-    QTRY_COMPARE(log.entries(), expected);
+    QTRY_COMPARE(client.log.entries(), expected);
     QCOMPARE(client.error(), QMqttClient::NoError);
 }
 
@@ -438,11 +427,8 @@ void TestSlots::reconnectingAfterLeavingInASlot()
 {
     OURS_ALONE("the module does not allow it");
     FakeBroker peer;
-    QMqttClient client;
-    aim(&client, peer.port());
-    client.connectToHost();
-    QTRY_COMPARE(client.state(), QMqttClient::Connected);
-    SignalLog log(&client);
+    LoggedClient client(peer.port());
+    QVERIFY(client.connects());
     connect(&client, &QMqttClient::messageReceived, this, [&](const QByteArray &payload) {
         if (payload == "1") {
             client.disconnectFromHost();
@@ -453,7 +439,7 @@ void TestSlots::reconnectingAfterLeavingInASlot()
         }
     });
     peer.send(FakeBroker::message("t", "1") + FakeBroker::message("t", "2"));
-    QTRY_COMPARE(log.entries(),
+    QTRY_COMPARE(client.log.entries(),
         (QStringList { "message 1", "stateChanged(Disconnected)", "disconnected",
             "stateChanged(Connecting)", "stateChanged(Connected)", "connected", "message 3" }));
 }

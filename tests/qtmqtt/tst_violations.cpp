@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "address.h"
 #include "fakebroker.h"
 #include "oursalone.h"
 #include "loggedclient.h"
