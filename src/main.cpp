@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "commandline.h"
 #include "controlledzone.h"
 #include "coverartloader.h"
 #include "imageprovider.h"
@@ -25,6 +26,8 @@
 #include <QScreen>
 
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -51,6 +54,12 @@ void logScreen(const QScreen &screen)
 
 int main(int argc, char *argv[])
 {
+    const QString answer = CommandLine::answer(argc, argv);
+    if (!answer.isEmpty())
+        return std::fputs(qPrintable(answer), stdout) < 0 || std::fflush(stdout) != 0
+            ? EXIT_FAILURE
+            : EXIT_SUCCESS;
+
     const QString debug
         = QProcessEnvironment::systemEnvironment().value(QStringLiteral("TOUCHUI_DEBUG"));
     setDebugLogging(debug == QLatin1String("debug"));

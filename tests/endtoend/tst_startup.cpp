@@ -57,6 +57,10 @@ private slots:
     void severalSignalsEndItOnce();
     void aSceneThatDoesNotLoadEndsIt();
     void anUnknownWidthIsLoggedAndNothingMore();
+    void answersAtOnceAndEnds_data();
+    void answersAtOnceAndEnds();
+    void anAnswerThatCannotBeWrittenIsAFailure();
+    void leavesEveryOtherArgumentToQt();
 };
 
 void TestStartup::logsEveryStepInOrder()
@@ -326,6 +330,68 @@ void TestStartup::anUnknownWidthIsLoggedAndNothingMore()
     QCOMPARE(program.count(Line::critical(QStringLiteral("unknown screen dimensions!"))), 1);
     QVERIFY(program.waitForLine(Ping, program.logSize()));
     QVERIFY(program.stop());
+}
+
+void TestStartup::answersAtOnceAndEnds_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("answer"); // its beginning
+
+    const QString version = QStringLiteral("velunor-touchui 0.");
+    const QString usage = QStringLiteral("Usage: velunor-touchui ");
+    QTest::newRow("version") << QStringList { QStringLiteral("--version") } << version;
+    QTest::newRow("help") << QStringList { QStringLiteral("--help") } << usage;
+    QTest::newRow("after an argument of Qt's") << QStringList { QStringLiteral("-platform"),
+        QStringLiteral("nonsense"), QStringLiteral("--version") }
+                                               << version;
+    QTest::newRow("the first one counts")
+        << QStringList { QStringLiteral("--help"), QStringLiteral("--version") } << usage;
+}
+
+void TestStartup::answersAtOnceAndEnds()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, answer);
+
+    // Nothing that a display needs; whatever is constructed would crash, or say so in the log.
+    QProcessEnvironment environment;
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("nonsense"));
+    environment.insert(QStringLiteral("TOUCHUI_DEBUG"), QStringLiteral("debug"));
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.start(QStringLiteral(TOUCHUI_PROGRAM), arguments);
+    QVERIFY(program.waitForFinished());
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 0);
+    QCOMPARE(QString::fromLocal8Bit(program.readAllStandardError()), QString());
+    const QString said = QString::fromLocal8Bit(program.readAllStandardOutput());
+    QVERIFY2(said.startsWith(answer) && said.endsWith(QLatin1Char('\n')), qPrintable(said));
+}
+
+void TestStartup::anAnswerThatCannotBeWrittenIsAFailure()
+{
+    QProcess program;
+    program.setStandardOutputFile(QStringLiteral("/dev/full"));
+    program.start(QStringLiteral(TOUCHUI_PROGRAM), { QStringLiteral("--version") });
+    QVERIFY(program.waitForFinished());
+    QCOMPARE(program.exitCode(), 1);
+}
+
+void TestStartup::leavesEveryOtherArgumentToQt()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.setProcessChannelMode(QProcess::MergedChannels);
+    // "-version" and "help" are no answers; the platform that Qt is told does not exist.
+    program.start(QStringLiteral(TOUCHUI_PROGRAM),
+        { QStringLiteral("-version"), QStringLiteral("help"), QStringLiteral("-platform"),
+            QStringLiteral("nonsense") });
+    QVERIFY(program.waitForFinished());
+    const QString said = QString::fromLocal8Bit(program.readAll());
+    QVERIFY2(said.contains(QLatin1String("Could not find the Qt platform plugin \"nonsense\"")),
+        qPrintable(said));
 }
 
 QTEST_GUILESS_MAIN(TestStartup)
