@@ -334,7 +334,7 @@ void TestScreenController::environmentIsRead_data()
         for (const char *text :
             { "true", "True", "TRUE", "tRuE", "false", "yes", "1", "", " true", "true ", "on" }) {
             const bool expected = QByteArray(text).toUpper() == "TRUE";
-            QTest::addRow("%s=%s", flag.property, text)
+            QTest::newRow((QByteArray(flag.property) + '=' + text).constData())
                 << QByteArray(flag.variable) << QByteArray(text) << QByteArray(flag.property)
                 << QVariant(expected)
                 << QStringList({ Prefix + flag.property
@@ -371,7 +371,7 @@ void TestScreenController::environmentIsRead_data()
                         .arg(number.fallback));
             }
             lines.append(Prefix + number.property + QStringLiteral(": ") + expected.toString());
-            QTest::addRow("%s=%s", number.property, text.text)
+            QTest::newRow((QByteArray(number.property) + '=' + text.text).constData())
                 << QByteArray(number.variable) << QByteArray(text.text)
                 << QByteArray(number.property) << expected << lines;
         }
