@@ -1,0 +1,268 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "faketools.h"
+
+#include "testkit/process/process.h"
+#include "testkit/process/program.h"
+#include "testkit/services/broker.h"
+#include "testkit/waiting.h"
+
+#include <QRegularExpression>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+
+#include <csignal>
+#include <memory>
+
+namespace {
+
+const QString Script = QStringLiteral(TOUCHUI_CHECKOUT "/packaging/reconnect");
+constexpr quint16 BrokerPort = 1883;
+const QByteArray Loss = "CRITICAL [mqtt.cpp(1)] Mqtt::error() TransportInvalid\n";
+
+/** A front end of which the service manager knows only what the test says; a restart connects it.
+ */
+const QByteArray Systemctl = R"(
+case "$*" in
+"show --property=ActiveState --value velunor-touchui.service") echo asked >>"$here/asked"; cat "$here/state" ;;
+"show --property=MainPID --value velunor-touchui.service") cat "$here/pid" ;;
+"try-restart velunor-touchui.service")
+    cut -d ' ' -f 1 /proc/uptime >>"$here/restarts"
+    [ ! -e "$here/connects" ] || { mosquitto_sub -t none </dev/null >/dev/null 2>&1 & echo $! | tee -a "$here/started" >"$here/pid"; } ;;
+*) echo "$*" >>"$here/unexpected" ;;
+esac)";
+
+/** Follows a file instead of a journal, and lets through what the true one would. */
+const QByteArray Journalctl = R"(
+for argument; do
+    case $argument in --grep=*) pattern=${argument#--grep=} ;; esac
+done
+echo "$pattern" >"$here/pattern"
+tail --lines=0 --follow "$here/journal" --pid=$PPID | grep --line-buffered --perl-regexp "$pattern")";
+
+} // namespace
+
+/** When the script starts the front end again, and when it lets it be. */
+class ReconnectTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void aBrokerThatIsThereStartsAnUnconnectedFrontEndAgain();
+    void aConnectedFrontEndIsLetBe();
+    void aLossStartsItAgain();
+    void otherLinesOfTheLogDoNotWakeIt();
+    void aFrozenBrokerIsWaitedForWithoutAWake();
+    void aBrokerThatComesLaterIsFoundWithinTenSeconds();
+    void aBrokerThatLetsNobodyInCountsAsAway();
+    void aStoppedFrontEndStaysStopped();
+    void aStartingFrontEndIsGivenItsTime();
+    void restartsInVainBecomeRare();
+    void theLossIsWhatTheProgramSays();
+
+private:
+    bool startScript();
+    /** Connects as the front end does, and lets the script know its process. */
+    void connectFrontEnd() { QVERIFY(m_frontEnd.waitForConnected()); }
+    int restarts() const { return m_tools->lines(QStringLiteral("restarts")).size(); }
+    int questions() const { return m_tools->lines(QStringLiteral("asked")).size(); }
+
+    std::unique_ptr<FakeTools> m_tools;
+    std::unique_ptr<Process> m_script;
+    std::unique_ptr<Broker> m_broker;
+    QTcpSocket m_frontEnd;
+};
+
+void ReconnectTest::init()
+{
+    m_tools = std::make_unique<FakeTools>();
+    m_tools->add(QStringLiteral("systemctl"), Systemctl);
+    m_tools->add(QStringLiteral("journalctl"), Journalctl);
+    m_tools->write(QStringLiteral("state"), "active\n");
+    m_tools->write(QStringLiteral("pid"), QByteArray::number(qApp->applicationPid()) + '\n');
+    m_tools->write(QStringLiteral("connects"), {});
+    m_tools->write(QStringLiteral("journal"), {});
+    m_script = std::make_unique<Process>();
+    m_broker = std::make_unique<Broker>();
+}
+
+void ReconnectTest::cleanup()
+{
+    m_script.reset();
+    // What a restart has started would connect to the next broker as well.
+    for (const QString &pid : m_tools->lines(QStringLiteral("started")))
+        kill(pid.toInt(), SIGKILL);
+    QCOMPARE(m_tools->lines(QStringLiteral("unexpected")), QStringList());
+    m_frontEnd.abort();
+    m_broker.reset();
+}
+
+bool ReconnectTest::startScript()
+{
+    QProcessEnvironment environment = m_tools->environment();
+    environment.insert(QStringLiteral("RUNTIME_DIRECTORY"), m_tools->path(QString()));
+    return m_script->start(Script, {}, environment)
+        && waitUntil([this] { return !m_tools->read(QStringLiteral("pattern")).isEmpty(); });
+}
+
+void ReconnectTest::aBrokerThatIsThereStartsAnUnconnectedFrontEndAgain()
+{
+    QVERIFY(m_broker->start());
+    QVERIFY(startScript());
+    QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
+    // It looks once more, is content, and sees the next loss.
+    QTRY_COMPARE_WITH_TIMEOUT(questions(), 3, PatienceMs);
+    QCOMPARE(restarts(), 1);
+}
+
+void ReconnectTest::aConnectedFrontEndIsLetBe()
+{
+    QVERIFY(m_broker->start());
+    m_frontEnd.connectToHost(QStringLiteral("127.0.0.1"), BrokerPort);
+    connectFrontEnd();
+    QVERIFY(startScript());
+    QTRY_COMPARE_WITH_TIMEOUT(questions(), 1, PatienceMs);
+    // A second look begins only after the first has ended.
+    m_tools->append(QStringLiteral("journal"), Loss);
+    QTRY_COMPARE_WITH_TIMEOUT(questions(), 2, PatienceMs);
+    m_tools->append(QStringLiteral("journal"), Loss);
+    QTRY_COMPARE_WITH_TIMEOUT(questions(), 3, PatienceMs);
+    QCOMPARE(restarts(), 0);
+}
+
+void ReconnectTest::aLossStartsItAgain()
+{
+    QVERIFY(m_broker->start());
+    m_frontEnd.connectToHost(QStringLiteral("127.0.0.1"), BrokerPort);
+    connectFrontEnd();
+    QVERIFY(startScript());
+    QTRY_COMPARE_WITH_TIMEOUT(questions(), 1, PatienceMs);
+    m_frontEnd.abort();
+    m_tools->append(QStringLiteral("journal"), Loss);
+    QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
+}
+
+void ReconnectTest::otherLinesOfTheLogDoNotWakeIt()
+{
+    QVERIFY(m_broker->start());
+    m_frontEnd.connectToHost(QStringLiteral("127.0.0.1"), BrokerPort);
+    connectFrontEnd();
+    QVERIFY(startScript());
+    QTRY_COMPARE_WITH_TIMEOUT(questions(), 1, PatienceMs);
+    m_tools->append(QStringLiteral("journal"),
+        "INFO  [mqtt.cpp(1)] Mqtt::connectedToBroker()\nDEBUG [x.cpp(1)] Mqtt::errors\n");
+    m_frontEnd.abort();
+    m_tools->append(QStringLiteral("journal"), Loss);
+    QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(questions(), 4, PatienceMs); // before, twice around, after
+}
+
+void ReconnectTest::aFrozenBrokerIsWaitedForWithoutAWake()
+{
+    QTcpServer frozen; // what listens accepts connections even when its process does not run
+    QVERIFY(frozen.listen(QHostAddress::LocalHost, BrokerPort));
+    QVERIFY(startScript());
+    QTRY_VERIFY_WITH_TIMEOUT(frozen.hasPendingConnections(), PatienceMs);
+    std::unique_ptr<QTcpSocket> client(frozen.nextPendingConnection());
+    QTRY_COMPARE_WITH_TIMEOUT(client->bytesAvailable(), 14, PatienceMs);
+    QCOMPARE(questions(), 0);
+    // All the time it sleeps in one read: there is nobody who could wake.
+    QVERIFY(!frozen.waitForNewConnection(11000));
+    QCOMPARE(client->state(), QAbstractSocket::ConnectedState);
+    client->write(QByteArray::fromHex("20020000"));
+    QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
+}
+
+void ReconnectTest::aBrokerThatComesLaterIsFoundWithinTenSeconds()
+{
+    m_tools->add(QStringLiteral("sleep"), "echo \"$1\" >>\"$here/slept\"; exec /bin/sleep \"$1\"");
+    QVERIFY(startScript());
+    QTRY_COMPARE_WITH_TIMEOUT(m_tools->lines(QStringLiteral("slept")).size(), 1, PatienceMs);
+    QCOMPARE(questions(), 0);
+    QVERIFY(m_broker->start());
+    QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
+    QCOMPARE(m_tools->lines(QStringLiteral("slept")), QStringList { QStringLiteral("10") });
+}
+
+void ReconnectTest::aBrokerThatLetsNobodyInCountsAsAway()
+{
+    QTcpServer closed;
+    QVERIFY(closed.listen(QHostAddress::LocalHost, BrokerPort));
+    QVERIFY(startScript());
+    for (const char *answer : { "20020005", "20020000" }) {
+        QTRY_VERIFY_WITH_TIMEOUT(closed.hasPendingConnections(), PatienceMs);
+        std::unique_ptr<QTcpSocket> client(closed.nextPendingConnection());
+        QTRY_COMPARE_WITH_TIMEOUT(client->bytesAvailable(), 14, PatienceMs);
+        QCOMPARE(questions(), 0);
+        client->write(QByteArray::fromHex(answer));
+        QTRY_COMPARE_WITH_TIMEOUT(client->state(), QAbstractSocket::UnconnectedState, PatienceMs);
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
+}
+
+void ReconnectTest::aStoppedFrontEndStaysStopped()
+{
+    m_tools->write(QStringLiteral("state"), "inactive\n");
+    m_tools->write(QStringLiteral("pid"), "0\n");
+    QVERIFY(m_broker->start());
+    QVERIFY(startScript());
+    for (int look = 1; look <= 3; ++look) {
+        QTRY_COMPARE_WITH_TIMEOUT(questions(), look, PatienceMs);
+        m_tools->append(QStringLiteral("journal"), Loss);
+    }
+    QCOMPARE(restarts(), 0);
+}
+
+void ReconnectTest::aStartingFrontEndIsGivenItsTime()
+{
+    m_tools->write(QStringLiteral("state"), "activating\n");
+    QVERIFY(m_broker->start());
+    QVERIFY(startScript());
+    QTRY_VERIFY_WITH_TIMEOUT(questions() >= 3, PatienceMs);
+    QCOMPARE(restarts(), 0);
+    m_tools->write(QStringLiteral("state"), "active\n");
+    QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
+}
+
+void ReconnectTest::restartsInVainBecomeRare()
+{
+    m_tools->write(QStringLiteral("pid"), "0\n");
+    QFile::remove(m_tools->path(QStringLiteral("connects")));
+    QVERIFY(m_broker->start());
+    QVERIFY(startScript());
+    QTRY_COMPARE_WITH_TIMEOUT(restarts(), 3, 2 * PatienceMs);
+    const QStringList times = m_tools->lines(QStringLiteral("restarts"));
+    const double first = times.at(1).toDouble() - times.at(0).toDouble();
+    const double second = times.at(2).toDouble() - times.at(1).toDouble();
+    QVERIFY2(first > 4 && second > first + 4, qPrintable(times.join(QLatin1Char(' '))));
+}
+
+void ReconnectTest::theLossIsWhatTheProgramSays()
+{
+    QVERIFY(startScript());
+    const QRegularExpression pattern(
+        QString::fromLocal8Bit(m_tools->read(QStringLiteral("pattern")).trimmed()));
+    Program program;
+    program.unsetEnvironment(QStringLiteral("TOUCHUI_DEBUG"));
+    const auto losses = [&] {
+        int found = 0;
+        for (const LogLine &line : program.log())
+            found += pattern.match(line.withoutPlace()).hasMatch() ? 1 : 0;
+        return found;
+    };
+    // Without a broker, and when it goes; not when it is there.
+    QVERIFY(program.startAndWait());
+    QTRY_VERIFY_WITH_TIMEOUT(losses() > 0, PatienceMs);
+    QVERIFY(program.stop());
+    QVERIFY(m_broker->start());
+    QVERIFY(program.startAndWait());
+    QVERIFY(m_broker->waitForLine(QRegularExpression(QStringLiteral("SUBACK"))));
+    QCOMPARE(losses(), 0);
+    QVERIFY(m_broker->stop());
+    QTRY_VERIFY_WITH_TIMEOUT(losses() > 0, PatienceMs);
+}
+
+QTEST_GUILESS_MAIN(ReconnectTest)
+#include "tst_reconnect.moc"
