@@ -21,12 +21,12 @@ const QString CoreTopic
 
 } // namespace
 
-class DoctorTest;
-using Preparation = std::function<void(DoctorTest &)>;
+class TestDoctor;
+using Preparation = std::function<void(TestDoctor &)>;
 Q_DECLARE_METATYPE(Preparation)
 
 /** What the doctor says of a machine in a folder, with a real broker. */
-class DoctorTest : public QObject {
+class TestDoctor : public QObject {
     Q_OBJECT
 
 private slots:
@@ -62,7 +62,7 @@ private:
     QString m_said;
 };
 
-void DoctorTest::init()
+void TestDoctor::init()
 {
     m_tools = std::make_unique<FakeTools>();
     m_tools->add(QStringLiteral("id"), "[ \"$1\" != -u ] || echo 0");
@@ -95,7 +95,7 @@ void DoctorTest::init()
     publishCore("127.0.0.1:" + QByteArray::number(m_core.serverPort()));
 }
 
-void DoctorTest::cleanup()
+void TestDoctor::cleanup()
 {
     if (QTest::currentTestFailed())
         qInfo().noquote() << m_said;
@@ -103,7 +103,7 @@ void DoctorTest::cleanup()
     m_core.close();
 }
 
-void DoctorTest::publishCore(const QByteArray &address)
+void TestDoctor::publishCore(const QByteArray &address)
 {
     QProcess publisher;
     publisher.start(QStringLiteral("mosquitto_pub"),
@@ -113,7 +113,7 @@ void DoctorTest::publishCore(const QByteArray &address)
     QCOMPARE(publisher.exitCode(), 0);
 }
 
-int DoctorTest::run(const QStringList &arguments)
+int TestDoctor::run(const QStringList &arguments)
 {
     QProcess doctor;
     QProcessEnvironment environment = m_tools->environment();
@@ -128,7 +128,7 @@ int DoctorTest::run(const QStringList &arguments)
     return doctor.exitCode();
 }
 
-void DoctorTest::aHealthyMachine()
+void TestDoctor::aHealthyMachine()
 {
     QCOMPARE(run(), 0);
     const QString core = QString::number(m_core.serverPort());
@@ -151,7 +151,7 @@ void DoctorTest::aHealthyMachine()
         }));
 }
 
-void DoctorTest::findsWhatIsWrong_data()
+void TestDoctor::findsWhatIsWrong_data()
 {
     QTest::addColumn<Preparation>("prepare");
     QTest::addColumn<QString>("row"); // its beginning
@@ -163,7 +163,7 @@ void DoctorTest::findsWhatIsWrong_data()
     const auto passes = [](const char *name, const Preparation &prepare, const char *row) {
         QTest::newRow(name) << prepare << QString::fromLatin1(row) << 0;
     };
-    using Test = DoctorTest;
+    using Test = TestDoctor;
     fails(
         "no user", [](Test &test) { test.m_tools->add(QStringLiteral("id"), "exit 1"); },
         "NO  user         there is no user velunor-touchui");
@@ -236,7 +236,7 @@ void DoctorTest::findsWhatIsWrong_data()
         "??  service      not started at boot");
 }
 
-void DoctorTest::findsWhatIsWrong()
+void TestDoctor::findsWhatIsWrong()
 {
     QFETCH(Preparation, prepare);
     QFETCH(QString, row);
@@ -248,14 +248,14 @@ void DoctorTest::findsWhatIsWrong()
     QCOMPARE(m_said.count(QStringLiteral("NO ")), status);
 }
 
-void DoctorTest::triesAsTheServicesUser()
+void TestDoctor::triesAsTheServicesUser()
 {
     QCOMPARE(run(), 0);
     QCOMPARE(m_tools->read(QStringLiteral("tried")).trimmed(),
         QByteArray("--reuid=velunor-touchui --regid=velunor-touchui --init-groups"));
 }
 
-void DoctorTest::isCalledWrongly()
+void TestDoctor::isCalledWrongly()
 {
     QCOMPARE(run({ QStringLiteral("--all") }), 2);
     QVERIFY(m_said.startsWith(QLatin1String("Usage: velunor-touchui-doctor")));
@@ -263,5 +263,5 @@ void DoctorTest::isCalledWrongly()
     QVERIFY(m_said.startsWith(QLatin1String("Usage: velunor-touchui-doctor")));
 }
 
-QTEST_GUILESS_MAIN(DoctorTest)
+QTEST_GUILESS_MAIN(TestDoctor)
 #include "tst_doctor.moc"

@@ -43,7 +43,7 @@ tail --lines=0 --follow "$here/journal" --pid=$PPID | grep --line-buffered --per
 } // namespace
 
 /** When the script starts the front end again, and when it lets it be. */
-class ReconnectTest : public QObject {
+class TestReconnect : public QObject {
     Q_OBJECT
 
 private slots:
@@ -75,7 +75,7 @@ private:
     QTcpSocket m_frontEnd;
 };
 
-void ReconnectTest::init()
+void TestReconnect::init()
 {
     m_tools = std::make_unique<FakeTools>();
     m_tools->add(QStringLiteral("systemctl"), Systemctl);
@@ -88,7 +88,7 @@ void ReconnectTest::init()
     m_broker = std::make_unique<Broker>();
 }
 
-void ReconnectTest::cleanup()
+void TestReconnect::cleanup()
 {
     m_script.reset();
     // What a restart has started would connect to the next broker as well.
@@ -99,7 +99,7 @@ void ReconnectTest::cleanup()
     m_broker.reset();
 }
 
-bool ReconnectTest::startScript()
+bool TestReconnect::startScript()
 {
     QProcessEnvironment environment = m_tools->environment();
     environment.insert(QStringLiteral("RUNTIME_DIRECTORY"), m_tools->path(QString()));
@@ -107,7 +107,7 @@ bool ReconnectTest::startScript()
         && waitUntil([this] { return !m_tools->read(QStringLiteral("pattern")).isEmpty(); });
 }
 
-void ReconnectTest::aBrokerThatIsThereStartsAnUnconnectedFrontEndAgain()
+void TestReconnect::aBrokerThatIsThereStartsAnUnconnectedFrontEndAgain()
 {
     QVERIFY(m_broker->start());
     QVERIFY(startScript());
@@ -117,7 +117,7 @@ void ReconnectTest::aBrokerThatIsThereStartsAnUnconnectedFrontEndAgain()
     QCOMPARE(restarts(), 1);
 }
 
-void ReconnectTest::aConnectedFrontEndIsLetBe()
+void TestReconnect::aConnectedFrontEndIsLetBe()
 {
     QVERIFY(m_broker->start());
     m_frontEnd.connectToHost(QStringLiteral("127.0.0.1"), BrokerPort);
@@ -132,7 +132,7 @@ void ReconnectTest::aConnectedFrontEndIsLetBe()
     QCOMPARE(restarts(), 0);
 }
 
-void ReconnectTest::aLossStartsItAgain()
+void TestReconnect::aLossStartsItAgain()
 {
     QVERIFY(m_broker->start());
     m_frontEnd.connectToHost(QStringLiteral("127.0.0.1"), BrokerPort);
@@ -144,7 +144,7 @@ void ReconnectTest::aLossStartsItAgain()
     QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
 }
 
-void ReconnectTest::otherLinesOfTheLogDoNotWakeIt()
+void TestReconnect::otherLinesOfTheLogDoNotWakeIt()
 {
     QVERIFY(m_broker->start());
     m_frontEnd.connectToHost(QStringLiteral("127.0.0.1"), BrokerPort);
@@ -159,7 +159,7 @@ void ReconnectTest::otherLinesOfTheLogDoNotWakeIt()
     QTRY_COMPARE_WITH_TIMEOUT(questions(), 4, PatienceMs); // before, twice around, after
 }
 
-void ReconnectTest::aFrozenBrokerIsWaitedForWithoutAWake()
+void TestReconnect::aFrozenBrokerIsWaitedForWithoutAWake()
 {
     QTcpServer frozen; // what listens accepts connections even when its process does not run
     QVERIFY(frozen.listen(QHostAddress::LocalHost, BrokerPort));
@@ -175,7 +175,7 @@ void ReconnectTest::aFrozenBrokerIsWaitedForWithoutAWake()
     QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
 }
 
-void ReconnectTest::aBrokerThatComesLaterIsFoundWithinTenSeconds()
+void TestReconnect::aBrokerThatComesLaterIsFoundWithinTenSeconds()
 {
     m_tools->add(QStringLiteral("sleep"), "echo \"$1\" >>\"$here/slept\"; exec /bin/sleep \"$1\"");
     QVERIFY(startScript());
@@ -186,7 +186,7 @@ void ReconnectTest::aBrokerThatComesLaterIsFoundWithinTenSeconds()
     QCOMPARE(m_tools->lines(QStringLiteral("slept")), QStringList { QStringLiteral("10") });
 }
 
-void ReconnectTest::aBrokerThatLetsNobodyInCountsAsAway()
+void TestReconnect::aBrokerThatLetsNobodyInCountsAsAway()
 {
     QTcpServer closed;
     QVERIFY(closed.listen(QHostAddress::LocalHost, BrokerPort));
@@ -202,7 +202,7 @@ void ReconnectTest::aBrokerThatLetsNobodyInCountsAsAway()
     QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
 }
 
-void ReconnectTest::aStoppedFrontEndStaysStopped()
+void TestReconnect::aStoppedFrontEndStaysStopped()
 {
     m_tools->write(QStringLiteral("state"), "inactive\n");
     m_tools->write(QStringLiteral("pid"), "0\n");
@@ -215,7 +215,7 @@ void ReconnectTest::aStoppedFrontEndStaysStopped()
     QCOMPARE(restarts(), 0);
 }
 
-void ReconnectTest::aStartingFrontEndIsGivenItsTime()
+void TestReconnect::aStartingFrontEndIsGivenItsTime()
 {
     m_tools->write(QStringLiteral("state"), "activating\n");
     QVERIFY(m_broker->start());
@@ -226,7 +226,7 @@ void ReconnectTest::aStartingFrontEndIsGivenItsTime()
     QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
 }
 
-void ReconnectTest::restartsInVainBecomeRare()
+void TestReconnect::restartsInVainBecomeRare()
 {
     m_tools->write(QStringLiteral("pid"), "0\n");
     QFile::remove(m_tools->path(QStringLiteral("connects")));
@@ -239,7 +239,7 @@ void ReconnectTest::restartsInVainBecomeRare()
     QVERIFY2(first > 4 && second > first + 4, qPrintable(times.join(QLatin1Char(' '))));
 }
 
-void ReconnectTest::theLossIsWhatTheProgramSays()
+void TestReconnect::theLossIsWhatTheProgramSays()
 {
     QVERIFY(startScript());
     const QRegularExpression pattern(
@@ -264,5 +264,5 @@ void ReconnectTest::theLossIsWhatTheProgramSays()
     QTRY_VERIFY_WITH_TIMEOUT(losses() > 0, PatienceMs);
 }
 
-QTEST_GUILESS_MAIN(ReconnectTest)
+QTEST_GUILESS_MAIN(TestReconnect)
 #include "tst_reconnect.moc"
