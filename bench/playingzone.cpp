@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "playingzone.h"
 
+#include "simulator/services/topics.h"
 #include "testkit/services/opening.h"
 
 QString PlayingZone::name()
@@ -10,7 +11,7 @@ QString PlayingZone::name()
 
 QString PlayingZone::topic(const QString &key)
 {
-    return QStringLiteral("Velunor/Controller/remote_control/v4/roon/Zones/z1/") + key;
+    return Topics::zone(QStringLiteral("z1"), key.toLatin1());
 }
 
 bool PlayingZone::publish(BrokerClient &services)

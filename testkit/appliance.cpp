@@ -1,15 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/appliance.h"
 
+#include "simulator/services/topics.h"
 #include "testkit/services/opening.h"
 #include "testkit/waiting.h"
-
-namespace {
-
-const QString RemoteControl = "Velunor/Controller/remote_control/v4/";
-const QString CommandTopic = RemoteControl + "Control/command";
-
-} // namespace
 
 Appliance::Appliance(QObject *parent)
     : QObject(parent)
@@ -44,12 +38,12 @@ bool Appliance::skipWelcome()
 
 void Appliance::publishCore(const QString &property, const QByteArray &value)
 {
-    services.publish(RemoteControl + "roon/Roon/" + property, value, true);
+    services.publish(Topics::core(qPrintable(property)), value, true);
 }
 
 void Appliance::publishZone(const QString &key, const QByteArray &value)
 {
-    services.publish(RemoteControl + "roon/Zones/z1/" + key, value, true);
+    services.publish(Topics::zone("z1", key.toLatin1()), value, true);
 }
 
 void Appliance::publishVolume()
@@ -61,33 +55,33 @@ void Appliance::publishVolume()
 
 void Appliance::publishZones(const QByteArray &json)
 {
-    services.publish(RemoteControl + "roon/Zones/available", json, true);
+    services.publish(Topics::availableZones(), json, true);
 }
 
 void Appliance::publishSetting(const QString &key, const QByteArray &value)
 {
-    services.publish("Velunor/Settings/v2/" + key, value, true);
+    services.publish(Topics::settings(qPrintable(key)), value, true);
 }
 
 void Appliance::publishState(const QString &property, const QByteArray &value)
 {
-    services.publish("Velunor/State/v1/" + property, value, true);
+    services.publish(Topics::state(qPrintable(property)), value, true);
 }
 
 void Appliance::sendCommand(const QByteArray &json)
 {
-    services.publish(CommandTopic, json);
+    services.publish(Topics::command(), json);
 }
 
 bool Appliance::handled()
 {
     // A key that means nothing: it is logged and leaves everything as it is.
     const QString marker = QString("end_of_step_%1").arg(++m_markers);
-    services.publish("Velunor/Settings/v2/" + marker, QByteArray());
+    services.publish(Topics::settings(qPrintable(marker)), QByteArray());
     return program.waitForLine(Line::debug("Mqtt::updateSettings() " + marker));
 }
 
 QList<QByteArray> Appliance::commands() const
 {
-    return services.payloads(CommandTopic);
+    return services.payloads(Topics::command());
 }

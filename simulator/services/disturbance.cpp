@@ -80,8 +80,8 @@ QString Disturbance::noiseTopic()
         Topics::settings("unheard_of"),
         Topics::command(),
         QStringLiteral("Velunor/Controller/remote_control/v4/roon/Zones/nobody"),
-        QStringLiteral("Velunor/Controller/remote_control/v4/roon/Zones//state"),
-        QStringLiteral("Velunor/Controller/remote_control/v4/roon/Zones/ghost/state"),
+        Topics::zone(QString(), "state"),
+        Topics::zone(QStringLiteral("ghost"), "state"),
         QStringLiteral("Velunor/State/v1"),
     };
     static const QVector<QByteArray> keys { "name", "state", "outputs", "nowPlaying/song",

@@ -2,6 +2,7 @@
 #include "testkit/services/opening.h"
 
 #include "simulator/scenario/scenario.h"
+#include "simulator/services/topics.h"
 
 bool Opening::publish(BrokerClient &services, const QString &name, const QByteArray &imageService)
 {
@@ -12,8 +13,7 @@ bool Opening::publish(BrokerClient &services, const QString &name, const QByteAr
         qWarning("%s", qUtf8Printable(problem));
         return false;
     }
-    services.publish(QStringLiteral("Velunor/Controller/remote_control/v4/roon/Roon/serverUrl"),
-        imageService, true);
+    services.publish(Topics::core("serverUrl"), imageService, true);
     for (const Scenario::Step &step : scenario.steps()) {
         if (step.kind != Scenario::Step::Message) {
             qWarning("%s: an opening has messages only", qUtf8Printable(name));

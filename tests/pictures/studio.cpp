@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "studio.h"
 
+#include "simulator/services/topics.h"
 #include "testkit/waiting.h"
 
 #include <QRegularExpression>
@@ -52,19 +53,18 @@ bool Studio::startSimulator()
     return m_simulator.startAndWait(
                { QStringLiteral("--scenario"), QStringLiteral("playing"), QStringLiteral("--speed"),
                    QStringLiteral("0"), QStringLiteral("--image-port"), QStringLiteral("9330") })
-        && m_services.waitFor(
-            QStringLiteral("Velunor/Controller/remote_control/v4/roon/Roon/coreDetected"), "true");
+        && m_services.waitFor(Topics::core("coreDetected"), "true");
 }
 
 bool Studio::act(const QByteArray &action)
 {
-    m_services.publish(QStringLiteral("velunor-simulator/fault"), action);
+    m_services.publish(Topics::fault(), action);
     return m_services.flush();
 }
 
 bool Studio::set(const char *key, const QByteArray &value)
 {
-    m_services.publish(QStringLiteral("Velunor/Settings/v2/") + QLatin1String(key), value, true);
+    m_services.publish(Topics::settings(key), value, true);
     return m_services.flush();
 }
 

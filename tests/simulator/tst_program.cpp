@@ -487,7 +487,8 @@ void TestProgram::sameSeedSameMessages()
         for (int i = 0; i < 20; ++i)
             display.publish(Topics::fault(), "next");
         display.publish(Topics::fault(), "stop");
-        display.waitFor(zoneTopic("state"), "stopped");
+        if (!display.waitFor(zoneTopic("state"), "stopped"))
+            return QList<QByteArray>();
         return display.payloads(zoneTopic("nowPlaying/song"));
     };
     const QList<QByteArray> first = songs("7");
