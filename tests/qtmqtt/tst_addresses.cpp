@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fakebroker.h"
+#include "mosquittoprocess.h"
 #include "qmqttconnection_p.h"
 #include "stubbornlistener.h"
-#include "testbroker.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtNetwork/QTcpServer>
@@ -54,7 +54,7 @@ private Q_SLOTS:
     void noneIsAFailure();
 
 private:
-    TestBroker m_broker;
+    MosquittoProcess m_broker;
     QMqttSettings m_settings;
 };
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "address.h"
 #include "fakebroker.h"
+#include "loggedclient.h"
+#include "mosquittoprocess.h"
 #include "oursalone.h"
 #include "resolver.h"
-#include "loggedclient.h"
 #include "signallog.h"
 #include "stubbornlistener.h"
-#include "testbroker.h"
 
 #include <QtCore/QDir>
 #include <QtNetwork/QTcpSocket>
@@ -116,7 +116,7 @@ private Q_SLOTS:
     void unsentBacklogIsFlushedOnLeaving();
 
 private:
-    TestBroker m_broker;
+    MosquittoProcess m_broker;
 };
 
 void TestConnection::initTestCase()
@@ -565,7 +565,7 @@ void TestConnection::smallPacketsWaitForNothing()
 
 void TestConnection::killedBroker()
 {
-    TestBroker broker;
+    MosquittoProcess broker;
     QVERIFY(broker.start());
     LoggedClient client(broker.port());
     QVERIFY(client.connects());
@@ -577,7 +577,7 @@ void TestConnection::killedBroker()
 
 void TestConnection::stoppedBroker()
 {
-    TestBroker broker;
+    MosquittoProcess broker;
     QVERIFY(broker.start());
     LoggedClient client(broker.port());
     QVERIFY(client.connects());

@@ -2,10 +2,10 @@
 #include "address.h"
 #include "fakebroker.h"
 #include "loggedclient.h"
+#include "mosquittoprocess.h"
 #include "oursalone.h"
 #include "resolver.h"
 #include "signallog.h"
-#include "testbroker.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QEventLoop>
@@ -60,7 +60,7 @@ private Q_SLOTS:
 void TestKeepAlive::idleClientDoesNotWakeUp()
 {
     constexpr int SpanMs = 5000;
-    TestBroker broker;
+    MosquittoProcess broker;
     QVERIFY(broker.start());
     const int withoutClient = timesAsleepWithin(SpanMs);
 
@@ -136,7 +136,8 @@ void TestKeepAlive::unansweredLookupIsGivenUp()
 
 void TestKeepAlive::busyAndIdleClientsAreKept()
 {
-    TestBroker broker; // throws out whoever is silent for one and a half times the keep-alive time
+    MosquittoProcess
+        broker; // throws out whoever is silent for one and a half times the keep-alive time
     QVERIFY(broker.start());
     QMqttClient idle, busy, onceBusy, unkept;
     for (QMqttClient *client : { &idle, &busy, &onceBusy, &unkept }) {

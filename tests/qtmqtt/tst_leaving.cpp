@@ -2,8 +2,8 @@
 #include "address.h"
 #include "fakebroker.h"
 #include "listener.h"
+#include "mosquittoprocess.h"
 #include "oursalone.h"
-#include "testbroker.h"
 #include "wirepeer.h"
 
 #include <QtCore/QElapsedTimer>
@@ -209,7 +209,7 @@ void TestLeaving::farewellWaitsForTheConfirmationDespiteSignals()
 void TestLeaving::nothingIsLostDespiteSignals()
 {
     constexpr int Count = 100;
-    TestBroker broker;
+    MosquittoProcess broker;
     QVERIFY(broker.start());
     Listener observer(broker.port());
     observer.subscribe("leaving");
@@ -230,7 +230,7 @@ void TestLeaving::nothingIsLostDespiteSignals()
 /** What the broker sends while we write must not end the connection. */
 void TestLeaving::ownEchoDestroysNothing()
 {
-    TestBroker broker;
+    MosquittoProcess broker;
     QVERIFY(broker.start());
     Listener observer(broker.port());
     observer.subscribe("echo");

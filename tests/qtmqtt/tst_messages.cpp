@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fakebroker.h"
 #include "listener.h"
+#include "mosquittoprocess.h"
 #include "oursalone.h"
 #include "signallog.h"
-#include "testbroker.h"
 
 #include <QtTest/QtTest>
 
@@ -62,7 +62,7 @@ private Q_SLOTS:
     void deletedSubscriptionIsForgotten();
 
 private:
-    TestBroker m_broker;
+    MosquittoProcess m_broker;
 };
 
 void TestMessages::initTestCase()
@@ -185,7 +185,7 @@ void TestMessages::unconfirmedMessageIsNotSentAgain()
 
 void TestMessages::publishingOnADeadLinkIsHarmless()
 {
-    TestBroker broker;
+    MosquittoProcess broker;
     QVERIFY(broker.start());
     Listener listener(broker.port());
     SignalLog log(&listener.client);
@@ -202,7 +202,7 @@ void TestMessages::publishingOnADeadLinkIsHarmless()
 
 void TestMessages::offendingMessageEndsTheConnection()
 {
-    TestBroker broker;
+    MosquittoProcess broker;
     QVERIFY(broker.start("max_packet_size 1000\n"));
     Listener listener(broker.port());
     SignalLog log(&listener.client);
@@ -404,7 +404,7 @@ void TestMessages::nothingIsLostOnLeaving()
 
 void TestMessages::willIsPublishedWhenTheClientVanishes()
 {
-    TestBroker broker;
+    MosquittoProcess broker;
     QVERIFY(broker.start("max_packet_size 1000\n"));
     Listener observer(broker.port());
     observer.subscribe("will/#");

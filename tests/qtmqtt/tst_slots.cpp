@@ -2,10 +2,10 @@
 #include "address.h"
 #include "fakebroker.h"
 #include "listener.h"
-#include "oursalone.h"
 #include "loggedclient.h"
+#include "mosquittoprocess.h"
+#include "oursalone.h"
 #include "signallog.h"
-#include "testbroker.h"
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>
@@ -58,7 +58,7 @@ private Q_SLOTS:
     void quitSequence();
 
 private:
-    TestBroker m_broker;
+    MosquittoProcess m_broker;
 };
 
 void TestSlots::initTestCase()

@@ -7,10 +7,10 @@
 
 /** A mosquitto of the test's own on a free port of 127.0.0.1, without persistence; anybody may
  * connect. */
-class TestBroker {
+class MosquittoProcess {
 public:
-    TestBroker() = default;
-    ~TestBroker();
+    MosquittoProcess() = default;
+    ~MosquittoProcess();
 
     /**
      * Starts it and waits until it serves.  False, with a warning that says why, if there is no

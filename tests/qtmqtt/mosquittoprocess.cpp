@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "testbroker.h"
+#include "mosquittoprocess.h"
 
 #include <QtCore/QDebug>
 #include <QtCore/QFile>
@@ -27,12 +27,12 @@ QString findMosquitto()
 }
 } // namespace
 
-TestBroker::~TestBroker()
+MosquittoProcess::~MosquittoProcess()
 {
     kill();
 }
 
-bool TestBroker::start(const QByteArray &settings)
+bool MosquittoProcess::start(const QByteArray &settings)
 {
     for (int i = 0; i < Attempts; ++i) { // somebody else may take the port first
         if (startOnce(settings))
@@ -42,7 +42,7 @@ bool TestBroker::start(const QByteArray &settings)
     return false;
 }
 
-bool TestBroker::startOnce(const QByteArray &settings)
+bool MosquittoProcess::startOnce(const QByteArray &settings)
 {
     m_port = freePort();
     m_log.clear();
@@ -65,19 +65,19 @@ bool TestBroker::startOnce(const QByteArray &settings)
     return true;
 }
 
-void TestBroker::stop()
+void MosquittoProcess::stop()
 {
     m_process.terminate();
     m_process.waitForFinished(PatienceMs);
 }
 
-void TestBroker::kill()
+void MosquittoProcess::kill()
 {
     m_process.kill();
     m_process.waitForFinished(PatienceMs);
 }
 
-QByteArray TestBroker::log()
+QByteArray MosquittoProcess::log()
 {
     m_log += m_process.readAll();
     return m_log;
