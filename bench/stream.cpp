@@ -3,6 +3,7 @@
 
 #include "eventwait.h"
 #include "playingzone.h"
+#include "simulator/services/topics.h"
 
 namespace {
 
@@ -65,8 +66,7 @@ bool Stream::connectToBroker()
 
 void Stream::sendCommand(const QByteArray &name)
 {
-    m_socket.write(publication(
-        "Velunor/Controller/remote_control/v4/Control/command", "{\"command\":\"" + name + "\"}"));
+    m_socket.write(publication(Topics::command().toUtf8(), "{\"command\":\"" + name + "\"}"));
 }
 
 void Stream::sendAll()

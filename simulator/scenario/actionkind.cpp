@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulator/scenario/actionkind.h"
 
+#include "simulator/house/library.h"
+#include "simulator/house/zonesimulation.h"
 #include "simulator/scenario/action.h"
 #include "simulator/services/disturbance.h"
 #include "simulator/services/imageservice.h"
-#include "simulator/house/library.h"
 #include "simulator/services/remotecontrolservice.h"
 #include "simulator/services/stateservice.h"
-#include "simulator/house/zonesimulation.h"
 
 #include <algorithm>
 
