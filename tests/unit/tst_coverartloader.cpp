@@ -200,7 +200,7 @@ void TestCoverArtLoader::initTestCase()
 void TestCoverArtLoader::init()
 {
     m_server = std::make_unique<ImageServer>();
-    Roon::instance()->setServerUrl(QString::fromLatin1(m_server->address()));
+    moveCoreTo(*m_server);
     m_engine = std::make_unique<QQmlEngine>();
     m_provider = new WatchedProvider;
     m_engine->addImageProvider(QStringLiteral("velunor"), m_provider);
@@ -467,8 +467,7 @@ void TestCoverArtLoader::serverThatMovesDuringTheFetchIsAskedAgain()
     other.setBehaviour(QStringLiteral("A"), png(Qt::blue));
     const Offers offers(m_loader);
     m_loader->setWanted(urlOf(QStringLiteral("A")));
-    whenAskedFor(
-        "A", [&other] { Roon::instance()->setServerUrl(QString::fromLatin1(other.address())); });
+    whenAskedFor("A", [&other] { moveCoreTo(other); });
     QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
     QCOMPARE(offers.list.size(), 1);
     QCOMPARE(requestsFor("A"), 1);
@@ -493,7 +492,7 @@ void TestCoverArtLoader::addressThatComesLateIsUsedAtOnce()
     m_loader->setWanted(urlOf(QStringLiteral("A")));
     QTRY_COMPARE(m_loader->source(), logo());
     QTRY_VERIFY(!m_loader->isWaiting());
-    Roon::instance()->setServerUrl(QString::fromLatin1(m_server->address()));
+    moveCoreTo(*m_server);
     QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
     QCOMPARE(requestsFor("A"), 1);
 }
@@ -505,8 +504,7 @@ void TestCoverArtLoader::coreThatMovesEndsTheWaitForItsOldAddress()
     other.setBehaviour(QStringLiteral("A"), png(Qt::blue));
     const Offers offers(m_loader);
     m_loader->setWanted(urlOf(QStringLiteral("A")));
-    whenAskedFor(
-        "A", [&other] { Roon::instance()->setServerUrl(QString::fromLatin1(other.address())); });
+    whenAskedFor("A", [&other] { moveCoreTo(other); });
     QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
     // Not even the second that a fetch is given has passed: the logo was never needed.
     QCOMPARE(offers.list, QList<QUrl>({ urlOf(QStringLiteral("A")) }));
@@ -522,7 +520,7 @@ void TestCoverArtLoader::coverOnViewIsFetchedAgainWhereTheCoreIsNow()
     const PictureItem item(m_loader, m_provider);
     m_loader->setWanted(urlOf(QStringLiteral("A")));
     QTRY_COMPARE(item.colour(), QColor(Qt::red));
-    Roon::instance()->setServerUrl(QString::fromLatin1(other.address()));
+    moveCoreTo(other);
     QTRY_COMPARE(item.colour(), QColor(Qt::blue));
     QCOMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
     QCOMPARE(requestsFor("A"), 1);
@@ -532,7 +530,7 @@ void TestCoverArtLoader::coverOnViewIsFetchedAgainWhereTheCoreIsNow()
 void TestCoverArtLoader::sameAddressAgainFetchesNothing()
 {
     failToFetchOnce("A");
-    Roon::instance()->setServerUrl(QString::fromLatin1(m_server->address()));
+    moveCoreTo(*m_server);
     QCoreApplication::processEvents();
     QCOMPARE(m_provider->depth, 0); // a fetch would have begun by now
     QCOMPARE(requestsFor("A"), 2);
@@ -545,7 +543,7 @@ void TestCoverArtLoader::addressWithoutAWantedCoverFetchesNothing()
     m_loader->setWanted(logo());
     QTRY_COMPARE(m_loader->source(), logo());
     const Offers offers(m_loader);
-    Roon::instance()->setServerUrl(QString::fromLatin1(other.address()));
+    moveCoreTo(other);
     QCoreApplication::processEvents();
     QCOMPARE(offers.list, QList<QUrl>());
     QCOMPARE(other.requests().size(), 0);
@@ -566,7 +564,7 @@ void TestCoverArtLoader::everyLoaderHearsOfTheMove()
     QTRY_COMPARE(second->source(), logo());
     QTRY_COMPARE(gone->source(), logo());
     delete gone;
-    Roon::instance()->setServerUrl(QString::fromLatin1(m_server->address()));
+    moveCoreTo(*m_server);
     QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
     QTRY_COMPARE(second->source(), urlOf(QStringLiteral("B")));
     QCOMPARE(requestsFor("C"), 0);

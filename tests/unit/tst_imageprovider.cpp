@@ -190,7 +190,7 @@ void TestImageProvider::init()
     m_provider = std::make_unique<ImageProvider>(QQmlImageProviderBase::Image);
     m_logo = QImage(QStringLiteral(":/images/Velunor_logo_v020-07.png"));
     QVERIFY(!m_logo.isNull());
-    Roon::instance()->setServerUrl(QString::fromLatin1(m_server->address()));
+    moveCoreTo(*m_server);
 }
 
 void TestImageProvider::isAnImageProviderWithoutFlags()
@@ -370,7 +370,7 @@ void TestImageProvider::anotherServerIsAnotherPicture()
     other.setBehaviour(QStringLiteral("key"), png(Qt::blue));
     QCOMPARE(colourOf(m_provider->requestImage(QStringLiteral("key"), nullptr, QSize())),
         QColor(Qt::red));
-    Roon::instance()->setServerUrl(QString::fromLatin1(other.address()));
+    moveCoreTo(other);
     QCOMPARE(colourOf(m_provider->requestImage(QStringLiteral("key"), nullptr, QSize())),
         QColor(Qt::blue));
     QCOMPARE(other.requestsFor(QStringLiteral("key")), 1);
@@ -578,7 +578,7 @@ void TestImageProvider::addressThatIsNoUrlGivesTheLogo()
     Roon::instance()->setServerUrl(serverUrl);
     // Before and after a picture is kept: an address that is no URL is never the one that is kept.
     QCOMPARE(m_provider->requestImage(QStringLiteral("key"), nullptr, QSize()), m_logo);
-    Roon::instance()->setServerUrl(QString::fromLatin1(m_server->address()));
+    moveCoreTo(*m_server);
     m_server->setBehaviour(QStringLiteral("key"), png(Qt::red));
     QCOMPARE(colourOf(m_provider->requestImage(QStringLiteral("key"), nullptr, QSize())),
         QColor(Qt::red));

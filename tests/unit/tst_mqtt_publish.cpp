@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/services/broker.h"
 #include "testkit/services/brokerclient.h"
-#include "logcapture.h"
-#include "metatable.h"
+#include "modelclasstest.h"
 #include "mqtt.h"
 #include "player.h"
 #include "signalrecorder.h"
@@ -35,16 +34,19 @@ const QStringList Filters {
 
 } // namespace
 
-class TestMqttPublish : public QObject {
+class TestMqttPublish : public ModelClassTest {
     Q_OBJECT
+
+    std::unique_ptr<QObject> make() const override { return std::make_unique<Mqtt>(); }
+    QStringList methodEntries() const override;
+    QStringList constructorLines() const override;
 
 private slots:
     void initTestCase();
     void init();
     void cleanup();
 
-    void metaObjectIsTheInterface();
-    void constructorLogsAndConnects();
+    void constructorConnects();
     void connectionSubscribesInOrder();
     void clientSettingsAreTheDefaults();
     void connectedComesAfterTheSubscriptions();
@@ -77,7 +79,6 @@ private:
     std::unique_ptr<Broker> m_broker;
     std::unique_ptr<BrokerClient> m_services;
     std::unique_ptr<Mqtt> m_mqtt;
-    std::unique_ptr<LogCapture> m_log;
 };
 
 void TestMqttPublish::initTestCase()
@@ -89,7 +90,7 @@ void TestMqttPublish::initTestCase()
 
 void TestMqttPublish::init()
 {
-    m_log = std::make_unique<LogCapture>();
+    ModelClassTest::init();
     m_broker = std::make_unique<Broker>();
     QVERIFY(m_broker->start());
     m_services = std::make_unique<BrokerClient>();
@@ -103,7 +104,7 @@ void TestMqttPublish::cleanup()
     m_broker.reset();
     Player::instance()->setRemoteConnected(true);
     m_log->clear(); // what a test has to say about the log, it has said
-    m_log.reset();
+    ModelClassTest::cleanup();
 }
 
 void TestMqttPublish::connectMqtt()
@@ -126,29 +127,26 @@ QList<QByteArray> TestMqttPublish::sent(const QString &topic)
     return payloads;
 }
 
-void TestMqttPublish::metaObjectIsTheInterface()
+QStringList TestMqttPublish::methodEntries() const
 {
-    const QMetaObject &meta = Mqtt::staticMetaObject;
-    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
-    QCOMPARE(propertyTable(meta), QStringList());
-    QCOMPARE(methodTable(meta),
-        QStringList({ "public signal connected()",
-            "public slot publish(QString,QByteArray,bool,uchar,bool)",
-            "public slot publish(QString,QByteArray,bool,uchar) cloned",
-            "public slot publish(QString,QByteArray,bool) cloned",
-            "private slot connectionTimeout()", "private slot connectedToBroker()",
-            "private slot brokerDisconnected()", "private slot error(QMqttClient::ClientError)",
-            "private slot messageReceived(QByteArray,QMqttTopicName)" }));
+    return { "public signal connected()", "public slot publish(QString,QByteArray,bool,uchar,bool)",
+        "public slot publish(QString,QByteArray,bool,uchar) cloned",
+        "public slot publish(QString,QByteArray,bool) cloned", "private slot connectionTimeout()",
+        "private slot connectedToBroker()", "private slot brokerDisconnected()",
+        "private slot error(QMqttClient::ClientError)",
+        "private slot messageReceived(QByteArray,QMqttTopicName)" };
 }
 
-void TestMqttPublish::constructorLogsAndConnects()
+QStringList TestMqttPublish::constructorLines() const
+{
+    return { constructorLine(QStringLiteral("Mqtt")),
+        QStringLiteral("debug: Mqtt::constructor: connecting...") };
+}
+
+void TestMqttPublish::constructorConnects()
 {
     m_mqtt = std::make_unique<Mqtt>();
     QVERIFY(!m_mqtt->isConnected());
-    QVERIFY(!m_mqtt->parent());
-    QCOMPARE(m_log->take(),
-        QStringList({ constructorLine(QStringLiteral("Mqtt")),
-            QStringLiteral("debug: Mqtt::constructor: connecting...") }));
     QTRY_VERIFY(m_mqtt->isConnected());
 }
 

@@ -2,10 +2,8 @@
 #include "screencontroller.h"
 #include "testkit/services/broker.h"
 #include "testkit/services/brokerclient.h"
-#include "logcapture.h"
-#include "metatable.h"
 #include "mqtt.h"
-#include "samplevalue.h"
+#include "propertyclasstest.h"
 #include "settings.h"
 #include "testkit/waiting.h"
 #include "writecounter.h"
@@ -48,16 +46,23 @@ QString firstEntry(const QString &directory)
 
 } // namespace
 
-class TestScreenController : public QObject {
+class TestScreenController : public PropertyClassTest {
     Q_OBJECT
+
+    std::unique_ptr<QObject> make() const override
+    {
+        return std::make_unique<ScreenController>(m_directory->path());
+    }
+    QList<PropertyRow> rows() const override;
+    QStringList methodEntries() const override;
+    QStringList constructorLines() const override;
 
 private slots:
     void initTestCase();
     void init();
     void cleanup();
 
-    void metaObjectIsTheInterface();
-    void constructorLogsEveryStepInOrder();
+    void constructorReportsTheBrightness();
     void constructorAppliesTheSettings();
     void instanceDrivesTheSystemsPanel();
 
@@ -73,9 +78,6 @@ private slots:
     void screenTypeChoosesTheBand_data();
     void screenTypeChoosesTheBand();
 
-    void propertiesNotifyOnlyOnChange_data();
-    void propertiesNotifyOnlyOnChange();
-
     void brightnessIsWrittenAndReportedOnEveryCall();
     void reportIsRetainedAtQos1();
     void valuesOutsideTheBandAreAppliedAsTheyAre_data();
@@ -89,13 +91,12 @@ private slots:
 
 private:
     QByteArray contents(const QString &attribute) const;
-    std::unique_ptr<ScreenController> make();
+    std::unique_ptr<ScreenController> makeSettled();
     void settle();
 
     int m_marks = 0;
     Broker m_broker;
     BrokerClient m_client;
-    std::unique_ptr<LogCapture> m_log;
     std::unique_ptr<QTemporaryDir> m_directory; // in the place of /sys/class/backlight
 };
 
@@ -109,7 +110,7 @@ void TestScreenController::initTestCase()
 
 void TestScreenController::init()
 {
-    m_log.reset(new LogCapture);
+    PropertyClassTest::init();
     for (const QByteArray &variable : Variables)
         qunsetenv(variable);
     Settings::instance()->revert();
@@ -126,8 +127,8 @@ void TestScreenController::init()
 
 void TestScreenController::cleanup()
 {
-    m_log.reset();
     m_directory.reset();
+    PropertyClassTest::cleanup();
 }
 
 QByteArray TestScreenController::contents(const QString &attribute) const
@@ -137,7 +138,7 @@ QByteArray TestScreenController::contents(const QString &attribute) const
 }
 
 /** A controller of the panel, its constructor's log lines dropped and its report received. */
-std::unique_ptr<ScreenController> TestScreenController::make()
+std::unique_ptr<ScreenController> TestScreenController::makeSettled()
 {
     auto controller = std::make_unique<ScreenController>(m_directory->path());
     settle();
@@ -154,45 +155,45 @@ void TestScreenController::settle()
     m_log->clear();
 }
 
-void TestScreenController::metaObjectIsTheInterface()
+QList<PropertyRow> TestScreenController::rows() const
 {
-    const QMetaObject &meta = ScreenController::staticMetaObject;
-    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
-    QCOMPARE(propertyTable(meta),
-        QStringList({ "bool swapped read write swappedChanged()",
-            "bool rotated read write rotatedChanged()", "int rotation read write rotationChanged()",
-            "uint width read write widthChanged()", "uint height read write heightChanged()",
-            "uint minBrightness read write minBrightnessChanged()",
-            "uint maxBrightness read write maxBrightnessChanged()" }));
-    QCOMPARE(methodTable(meta),
-        QStringList({ "public signal brightnessChanged()", "public signal timeFormatChanged()",
-            "public signal swappedChanged()", "public signal rotatedChanged()",
-            "public signal rotationChanged()", "public signal widthChanged()",
-            "public signal heightChanged()", "public signal minBrightnessChanged()",
-            "public signal maxBrightnessChanged()", "public slot lcdBrightnessChanged(uint)",
-            "public slot lcdClockBrightnessChanged(uint)", "public slot saveSettings()",
-            "public slot restoreSettings()", "public slot setDefaultBrightness()",
-            "public slot setClockBrightness()" }));
-    QCOMPARE(enumeratorTable(meta), QStringList());
+    return {
+        { "bool swapped read write swappedChanged()", false },
+        { "bool rotated read write rotatedChanged()", false },
+        { "int rotation read write rotationChanged()", 0 },
+        { "uint width read write widthChanged()", 800u },
+        { "uint height read write heightChanged()", 480u },
+        { "uint minBrightness read write minBrightnessChanged()", 13u },
+        { "uint maxBrightness read write maxBrightnessChanged()", 254u },
+    };
 }
 
-void TestScreenController::constructorLogsEveryStepInOrder()
+QStringList TestScreenController::methodEntries() const
+{
+    return { "public signal brightnessChanged()", "public signal timeFormatChanged()",
+        "public signal swappedChanged()", "public signal rotatedChanged()",
+        "public signal rotationChanged()", "public signal widthChanged()",
+        "public signal heightChanged()", "public signal minBrightnessChanged()",
+        "public signal maxBrightnessChanged()", "public slot lcdBrightnessChanged(uint)",
+        "public slot lcdClockBrightnessChanged(uint)", "public slot saveSettings()",
+        "public slot restoreSettings()", "public slot setDefaultBrightness()",
+        "public slot setClockBrightness()" };
+}
+
+QStringList TestScreenController::constructorLines() const
+{
+    const QString file = constructorLine(QStringLiteral("SysFile"));
+    return { file, file, constructorLine(QStringLiteral("ScreenController")),
+        "info: ScreenController::constructor() found sys dir panel0",
+        Prefix + "screenType: UNKNOWN", Prefix + "swapped: false", Prefix + "rotated: false",
+        Prefix + "rotation: 0", Prefix + "width: 800", Prefix + "height: 480",
+        "info: ScreenController::exec_brightness() 150",
+        "info: ScreenController::exec_backlight_on()" };
+}
+
+void TestScreenController::constructorReportsTheBrightness()
 {
     const ScreenController controller(m_directory->path());
-    QVERIFY(!controller.parent());
-    const QString file = constructorLine(QStringLiteral("SysFile"));
-    QStringList lines;
-    for (const LogMessage &line : m_log->lines()) {
-        if (line.file == Source || line.file == QLatin1String("sysfile.cpp"))
-            lines.append(line.labelled());
-    }
-    QCOMPARE(lines,
-        QStringList({ file, file, constructorLine(QStringLiteral("ScreenController")),
-            "info: ScreenController::constructor() found sys dir panel0",
-            Prefix + "screenType: UNKNOWN", Prefix + "swapped: false", Prefix + "rotated: false",
-            Prefix + "rotation: 0", Prefix + "width: 800", Prefix + "height: 480",
-            "info: ScreenController::exec_brightness() 150",
-            "info: ScreenController::exec_backlight_on()" }));
     QVERIFY(m_client.waitFor(Topic, "150"));
 }
 
@@ -200,7 +201,7 @@ void TestScreenController::constructorAppliesTheSettings()
 {
     Settings::instance()->setLcdBrightness(300); // above the band
     Settings::instance()->setLcdClockBrightness(5);
-    const std::unique_ptr<ScreenController> controller = make();
+    const std::unique_ptr<ScreenController> controller = makeSettled();
     QCOMPARE(contents(QStringLiteral("brightness")), QByteArray("300"));
     QCOMPARE(contents(QStringLiteral("bl_power")), QByteArray("0"));
     controller->setClockBrightness();
@@ -436,38 +437,9 @@ void TestScreenController::screenTypeChoosesTheBand()
     QCOMPARE(lines.size(), display2 ? 11 : 10);
 }
 
-void TestScreenController::propertiesNotifyOnlyOnChange_data()
-{
-    QTest::addColumn<int>("index");
-    const QMetaObject &meta = ScreenController::staticMetaObject;
-    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i)
-        QTest::newRow(meta.property(i).name()) << i;
-}
-
-void TestScreenController::propertiesNotifyOnlyOnChange()
-{
-    QFETCH(int, index);
-    const std::unique_ptr<ScreenController> controller = make();
-    const QMetaProperty property = controller->metaObject()->property(index);
-    const QVariant first = property.read(controller.get());
-    const QVariant sample = sampleValue(first);
-    QSignalSpy changed(controller.get(), property.notifySignal());
-    QSignalSpy brightness(controller.get(), &ScreenController::brightnessChanged);
-    QSignalSpy timeFormat(controller.get(), &ScreenController::timeFormatChanged);
-    QVERIFY(property.write(controller.get(), first));
-    QCOMPARE(changed.count(), 0);
-    QVERIFY(property.write(controller.get(), sample));
-    QCOMPARE(property.read(controller.get()), sample);
-    QCOMPARE(changed.count(), 1);
-    QVERIFY(property.write(controller.get(), sample));
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(brightness.count() + timeFormat.count(), 0);
-    QCOMPARE(m_log->take(), QStringList());
-}
-
 void TestScreenController::brightnessIsWrittenAndReportedOnEveryCall()
 {
-    const std::unique_ptr<ScreenController> controller = make();
+    const std::unique_ptr<ScreenController> controller = makeSettled();
     QSignalSpy brightness(controller.get(), &ScreenController::brightnessChanged);
     WriteCounter writes(m_directory->filePath(QStringLiteral("panel0/brightness")));
     for (int i = 0; i < 3; ++i) {
@@ -486,7 +458,7 @@ void TestScreenController::brightnessIsWrittenAndReportedOnEveryCall()
 
 void TestScreenController::reportIsRetainedAtQos1()
 {
-    const std::unique_ptr<ScreenController> controller = make();
+    const std::unique_ptr<ScreenController> controller = makeSettled();
     controller->exec_brightness(201);
     QVERIFY(m_client.waitFor(Topic, "201"));
     const QStringList packets = m_broker.lines(QRegularExpression(
@@ -510,7 +482,7 @@ void TestScreenController::valuesOutsideTheBandAreAppliedAsTheyAre_data()
 void TestScreenController::valuesOutsideTheBandAreAppliedAsTheyAre()
 {
     QFETCH(uint, value);
-    const std::unique_ptr<ScreenController> controller = make();
+    const std::unique_ptr<ScreenController> controller = makeSettled();
     Settings::instance()->setLcdBrightness(value);
     QCOMPARE(contents(QStringLiteral("brightness")), QByteArray::number(value));
     QVERIFY(m_client.waitFor(Topic, QByteArray::number(value)));
@@ -518,7 +490,7 @@ void TestScreenController::valuesOutsideTheBandAreAppliedAsTheyAre()
 
 void TestScreenController::newBrightnessIsTakenAndApplied()
 {
-    const std::unique_ptr<ScreenController> controller = make();
+    const std::unique_ptr<ScreenController> controller = makeSettled();
     controller->lcdBrightnessChanged(90);
     QCOMPARE(contents(QStringLiteral("brightness")), QByteArray("90"));
     controller->exec_brightness(1);
@@ -534,7 +506,7 @@ void TestScreenController::newBrightnessIsTakenAndApplied()
 
 void TestScreenController::newClockBrightnessIsAppliedAtOnce()
 {
-    const std::unique_ptr<ScreenController> controller = make();
+    const std::unique_ptr<ScreenController> controller = makeSettled();
     controller->lcdClockBrightnessChanged(40);
     QCOMPARE(contents(QStringLiteral("brightness")), QByteArray("40"));
     controller->setDefaultBrightness();
@@ -547,7 +519,7 @@ void TestScreenController::newClockBrightnessIsAppliedAtOnce()
 
 void TestScreenController::settingsAreFollowed()
 {
-    const std::unique_ptr<ScreenController> controller = make();
+    const std::unique_ptr<ScreenController> controller = makeSettled();
     Settings::instance()->setLcdBrightness(60);
     Settings::instance()->setLcdBrightness(60);
     Settings::instance()->setLcdClockBrightness(20);
@@ -562,7 +534,7 @@ void TestScreenController::settingsAreFollowed()
 
 void TestScreenController::backlightGoesOnOnce()
 {
-    const std::unique_ptr<ScreenController> controller = make();
+    const std::unique_ptr<ScreenController> controller = makeSettled();
     WriteCounter writes(m_directory->filePath(QStringLiteral("panel0/bl_power")));
     controller->exec_backlight_on(); // on since the constructor
     QCOMPARE(writes.take(), 0);
@@ -580,7 +552,7 @@ void TestScreenController::backlightGoesOnOnce()
 
 void TestScreenController::backlightGoesOffEveryTime()
 {
-    const std::unique_ptr<ScreenController> controller = make();
+    const std::unique_ptr<ScreenController> controller = makeSettled();
     WriteCounter writes(m_directory->filePath(QStringLiteral("panel0/bl_power")));
     for (int i = 0; i < 2; ++i) {
         controller->exec_backlight_off();
@@ -593,7 +565,7 @@ void TestScreenController::backlightGoesOffEveryTime()
 void TestScreenController::saveAndRestoreGoToTheSettings()
 {
     const QString file = QStringLiteral("/data/velunor-touch.ini");
-    const std::unique_ptr<ScreenController> controller = make();
+    const std::unique_ptr<ScreenController> controller = makeSettled();
     Settings::instance()->setLcdBrightness(60);
     Settings::instance()->setLcdClockBrightness(20);
     QVERIFY(!QFile::exists(file));
