@@ -25,6 +25,16 @@ QByteArray zoneList(const QString &id, const QString &name)
         .toJson(QJsonDocument::Compact);
 }
 
+/** The panels that the texts have to fit on. */
+void addSizes()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("height");
+    QTest::newRow("800x480") << 800 << 480;
+    QTest::newRow("1280x720") << 1280 << 720;
+    QTest::newRow("1280x800") << 1280 << 800;
+}
+
 Probe::Target inner(const QString &box)
 {
     return Probe::Target("text").inside(box);
@@ -40,9 +50,9 @@ private slots:
     void initTestCase();
     void cleanup();
 
-    void theClockTellsTheTimeInGerman_data();
+    void theClockTellsTheTimeInGerman_data() { addSizes(); }
     void theClockTellsTheTimeInGerman();
-    void noticesAreNotCut_data();
+    void noticesAreNotCut_data() { addSizes(); }
     void noticesAreNotCut();
     void textsFromOutsideShowAsTheyCome();
     void aPassageIsSeenTheSameAtAnyMoment();
@@ -67,15 +77,6 @@ void TestTexts::cleanup()
     if (m_appliance && !m_appliance->program.isQuiet())
         QTest::qFail("Qt or the scene has complained", __FILE__, __LINE__);
     m_appliance.reset();
-}
-
-void TestTexts::theClockTellsTheTimeInGerman_data()
-{
-    QTest::addColumn<int>("width");
-    QTest::addColumn<int>("height");
-    QTest::newRow("800x480") << 800 << 480;
-    QTest::newRow("1280x720") << 1280 << 720;
-    QTest::newRow("1280x800") << 1280 << 800;
 }
 
 void TestTexts::theClockTellsTheTimeInGerman()
@@ -152,15 +153,6 @@ void TestTexts::theClockTellsTheTimeInGerman()
         }
     }
     QVERIFY(program.stop());
-}
-
-void TestTexts::noticesAreNotCut_data()
-{
-    QTest::addColumn<int>("width");
-    QTest::addColumn<int>("height");
-    QTest::newRow("800x480") << 800 << 480;
-    QTest::newRow("1280x720") << 1280 << 720;
-    QTest::newRow("1280x800") << 1280 << 800;
 }
 
 void TestTexts::noticesAreNotCut()

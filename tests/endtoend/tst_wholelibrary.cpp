@@ -4,6 +4,7 @@
 #include "simulator/services/coverart.h"
 #include "simulator/house/library.h"
 #include "testkit/machine/panel.h"
+#include "testkit/meandifference.h"
 #include "testkit/process/program.h"
 #include "testkit/process/simulatorprogram.h"
 #include "simulator/services/topics.h"
@@ -23,19 +24,10 @@ const QString Zone = Library::zones().first().id;
 /** Mean difference of the two pictures' colours, 0 to 255, without regard to detail. */
 double difference(const QImage &a, const QImage &b)
 {
-    const QSize coarse(12, 12);
-    const QImage left = a.scaled(coarse, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    const QImage right = b.scaled(coarse, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    double sum = 0;
-    for (int y = 0; y < coarse.height(); ++y) {
-        for (int x = 0; x < coarse.width(); ++x) {
-            const QRgb one = left.pixel(x, y);
-            const QRgb other = right.pixel(x, y);
-            sum += qAbs(qRed(one) - qRed(other)) + qAbs(qGreen(one) - qGreen(other))
-                + qAbs(qBlue(one) - qBlue(other));
-        }
-    }
-    return sum / (3.0 * coarse.width() * coarse.height());
+    const auto coarse = [](const QImage &picture) {
+        return picture.scaled(12, 12, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    };
+    return meanDifference(coarse(a), coarse(b));
 }
 
 } // namespace

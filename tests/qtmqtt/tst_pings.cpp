@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "address.h"
 #include "fakebroker.h"
 #include "loggedclient.h"
 
@@ -23,12 +22,10 @@ private Q_SLOTS:
 void TestPings::requestedPingIsSentAndAnswered()
 {
     FakeBroker peer;
-    QMqttClient client;
-    aim(&client, peer.port());
+    LoggedClient client(peer.port());
     client.setAutoKeepAlive(false);
     QSignalSpy answers(&client, &QMqttClient::pingResponseReceived);
-    client.connectToHost();
-    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    QVERIFY(client.connects());
     for (int i = 1; i <= 3; ++i) {
         QVERIFY(client.requestPing());
         QTRY_COMPARE(answers.count(), i);
@@ -40,8 +37,7 @@ void TestPings::requestedPingIsSentAndAnswered()
 void TestPings::requestNeedsAConnection()
 {
     FakeBroker peer;
-    QMqttClient client;
-    aim(&client, peer.port());
+    LoggedClient client(peer.port());
     client.setAutoKeepAlive(false);
     QVERIFY(!client.requestPing());
     client.connectToHost();
@@ -70,12 +66,10 @@ void TestPings::requestWaitsForWhatIsBeingSent()
 void TestPings::automaticPingIsAnsweredToo()
 {
     FakeBroker peer;
-    QMqttClient client;
-    aim(&client, peer.port());
+    LoggedClient client(peer.port());
     client.setKeepAlive(ShortestKeepAlive);
     QSignalSpy answers(&client, &QMqttClient::pingResponseReceived);
-    client.connectToHost();
-    QTRY_COMPARE(client.state(), QMqttClient::Connected);
+    QVERIFY(client.connects());
     QVERIFY(!client.requestPing());
     QTRY_COMPARE_WITH_TIMEOUT(answers.count(), 1, PatienceMs);
     QCOMPARE(peer.count(FakeBroker::PingRequest), 1);

@@ -41,6 +41,15 @@ private:
     int m_steps = 0;
     int m_largestStep = 0;
 };
+
+/** The messages from @p first up to, but not with, @p end, as a broker sends them in one go. */
+QByteArray messages(int first, int end)
+{
+    QByteArray packets;
+    for (int i = first; i < end; ++i)
+        packets += FakeBroker::message("t", QByteArray::number(i));
+    return packets;
+}
 } // namespace
 
 /** However much there is to read, timers, touches and frames get their turn in between. */
@@ -64,9 +73,7 @@ void TestTurns::messagesLeaveOthersTheirTurn()
     constexpr int Count = 20000;
     FakeBroker peer;
     Listener listener(peer.port());
-    QByteArray backlog;
-    for (int i = 0; i < Count; ++i)
-        backlog += FakeBroker::message("t", QByteArray::number(i));
+    const QByteArray backlog = messages(0, Count);
     const Turns turns([&] { return listener.received.size(); });
     peer.send(backlog);
     QTRY_COMPARE_WITH_TIMEOUT(listener.received.size(), Count, PatienceMs);
@@ -105,9 +112,7 @@ void TestTurns::backlogOfAWaitingSlotLeavesOthersTheirTurn()
     constexpr int Count = 20000;
     FakeBroker peer;
     Listener listener(peer.port());
-    QByteArray backlog;
-    for (int i = 1; i < Count; ++i)
-        backlog += FakeBroker::message("t", QByteArray::number(i));
+    const QByteArray backlog = messages(1, Count);
     bool waited = false;
     connect(&listener.client, &QMqttClient::messageReceived, this, [&](const QByteArray &payload) {
         if (payload != "0")

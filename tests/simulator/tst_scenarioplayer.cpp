@@ -19,6 +19,8 @@ private slots:
 
 private:
     static Scenario scenario(const QByteArray &text);
+    /** How many messages have come a moment after the beginning. */
+    static int messagesSoon(const QByteArray &text, double speed);
 };
 
 Scenario TestScenarioPlayer::scenario(const QByteArray &text)
@@ -28,6 +30,16 @@ Scenario TestScenarioPlayer::scenario(const QByteArray &text)
     if (!parsed.parse(text, QStringLiteral("test"), &problem))
         QTest::qFail(qPrintable(problem), __FILE__, __LINE__);
     return parsed;
+}
+
+int TestScenarioPlayer::messagesSoon(const QByteArray &text, double speed)
+{
+    ScenarioPlayer player(scenario(text), speed);
+    QSignalSpy messages(&player, &ScenarioPlayer::message);
+    player.prepare();
+    player.begin();
+    QTest::qWait(50); // no more may come, so there is nothing to wait for
+    return messages.count();
 }
 
 void TestScenarioPlayer::stepsWithoutTimeComeFirstAndAtOnce()
@@ -69,25 +81,15 @@ void TestScenarioPlayer::slowestSpeedWaitsAsLongAsATimerCan()
     QCOMPARE(realMs(1, 1000), 0);
     QCOMPARE(realMs(60000, 1e-5), std::numeric_limits<int>::max());
     QCOMPARE(realMs(1, 5e-324), std::numeric_limits<int>::max());
-    ScenarioPlayer player(
-        scenario(R"([ { "after_ms": 60000, "topic": "a", "payload": "1" } ])"), 1e-5);
-    QSignalSpy messages(&player, &ScenarioPlayer::message);
-    player.prepare();
-    player.begin();
-    QTest::qWait(50); // nothing may come, so there is nothing to wait for
-    QCOMPARE(messages.count(), 0);
+    QCOMPARE(messagesSoon(R"([ { "after_ms": 60000, "topic": "a", "payload": "1" } ])", 1e-5), 0);
 }
 
 void TestScenarioPlayer::timeStandsStillAtSpeedZero()
 {
-    ScenarioPlayer player(scenario(R"([ { "after_ms": 0, "topic": "a", "payload": "" },
-        { "after_ms": 1, "topic": "b", "payload": "" } ])"),
-        0);
-    QSignalSpy messages(&player, &ScenarioPlayer::message);
-    player.prepare();
-    player.begin();
-    QTest::qWait(50); // nothing may come, so there is nothing to wait for
-    QCOMPARE(messages.count(), 1);
+    QCOMPARE(messagesSoon(R"([ { "after_ms": 0, "topic": "a", "payload": "" },
+        { "after_ms": 1, "topic": "b", "payload": "" } ])",
+                 0),
+        1);
 }
 
 void TestScenarioPlayer::repeatBeginsAnew()
