@@ -227,142 +227,90 @@ void TestMessaging::oddInputGetsItsLogLine_data()
     QTest::addColumn<QString>("topic");
     QTest::addColumn<QByteArray>("payload");
     QTest::addColumn<QStringList>("lines"); // besides the one that every message gets
-    const auto unknownTopic = [](const QString &topic) {
-        return QStringList { QStringLiteral("WARN  Mqtt::processMessageApi() unknown topic: ")
-            + topic };
+    const auto row
+        = [](const char *name, const QString &topic, const QByteArray &payload,
+              const QStringList &lines) { QTest::newRow(name) << topic << payload << lines; };
+    const QString process = "Mqtt::processMessageApi() ";
+    const QString zones = RemoteControl + "roon/Zones";
+    const QString noZone
+        = "WARN  " + process + "received Roon zone data, but no zone object found!";
+    const QString zoneUpdate = "DEBUG " + process + "receiving Roon zones update LEVELS";
+
+    const auto unknownTopic = [&](const char *name, const QString &topic) {
+        row(name, topic, "true", { "WARN  " + process + "unknown topic: " + topic });
     };
-    const auto command = [](const QString &text) {
-        return QStringLiteral("INFO  Mqtt::processMessageApi() received remote control command: ")
-            + text;
+    unknownTopic("connected stands one level too low", RemoteControl + "connected");
+    unknownTopic("zone topic without a zone", zones);
+
+    const auto command
+        = [&](const char *name, const QByteArray &payload, const QStringList &further = {}) {
+              // A payload is text, and ends at a zero byte.
+              row(name, RemoteControl + "Control/command", payload,
+                  QStringList("INFO  " + process
+                      + "received remote control command: " + payload.constData())
+                      + further);
+          };
+    const auto unsupported = [&](const char *name, const QByteArray &payload, const char *value) {
+        command(name, payload, { "WARN  " + process + "ignore unsupported command: " + value });
     };
-    const auto unsupported = [](const QString &value) {
-        return QStringLiteral("WARN  Mqtt::processMessageApi() ignore unsupported command: ")
-            + value;
+    command("command: no JSON", "{");
+    command("command: empty", "");
+    command("command: an array", R"(["command"])");
+    command("command: no member command", R"({"zone_id":"1"})");
+    unsupported("command: unsupported", R"({"command":"reboot"})", "reboot");
+    unsupported("command: in capital letters", R"({"command":"TOGGLE_STANDBY"})", "TOGGLE_STANDBY");
+    unsupported("command: a number", R"({"command":5})", "");
+    command("command: a zero byte", QByteArray("ab\0cd", 5));
+
+    const auto core = [&](const char *name, const QString &below, const QByteArray &payload,
+                          const QString &line) {
+        row(name, RemoteControl + "roon/Roon" + below, payload, { line });
     };
-    const QString commandTopic = RemoteControl + QStringLiteral("Control/command");
-    const QString connected = RemoteControl + QStringLiteral("connected");
-    const QString zones = RemoteControl + QStringLiteral("roon/Zones");
-    const QString core = RemoteControl + QStringLiteral("roon/Roon");
-    const QString spotify = RemoteControl + QStringLiteral("spotify");
-    const QString state = QStringLiteral("Velunor/State/v1");
-    const QString settings = QStringLiteral("Velunor/Settings/v2");
+    const QString unknownOfCore = "WARN  Mqtt::updateRoon() unknown property: ";
+    const QString version = "INFO  Mqtt::updateRoon() setting property version to value: ";
+    core("core: unknown property", "/foo", "1", unknownOfCore + "foo");
+    core("core: no property", "", "1", unknownOfCore);
+    core("core: wrong letter case", "/serverurl", "1", unknownOfCore + "serverurl");
+    core("core: written at info level", "/version", "2.0 \xc3\xbc", version + "2.0 \u00fc");
+    core("core: beyond Latin-1", "/version", "\xe4\xb8\xad", version + "?");
 
-    QTest::newRow("connected stands one level too low")
-        << connected << QByteArray("true") << unknownTopic(connected);
-    QTest::newRow("zone topic without a zone") << zones << QByteArray("x") << unknownTopic(zones);
+    row("state: unknown property", "Velunor/State/v1/foo", "1",
+        { "INFO  Mqtt::updateVelunorState() foo",
+            "WARN  Mqtt::updateVelunorState() unknown property: foo" });
+    row("spotify: unknown property", RemoteControl + "spotify/foo", "bar",
+        { "INFO  Mqtt::updateSpotify() foo", "DEBUG Mqtt::updateSpotify() bar",
+            "WARN  Mqtt::updateSpotify() unknown property: foo" });
+    row("settings: unknown key", "Velunor/Settings/v2/foo", "1",
+        { "DEBUG Mqtt::updateSettings() foo" });
+    row("settings: no key", "Velunor/Settings/v2", "1", { "DEBUG Mqtt::updateSettings() " });
 
-    QTest::newRow("command: no JSON")
-        << commandTopic << QByteArray("{") << QStringList { command(QStringLiteral("{")) };
-    QTest::newRow("command: empty")
-        << commandTopic << QByteArray("") << QStringList { command(QString()) };
-    QTest::newRow("command: an array") << commandTopic << QByteArray(R"(["command"])")
-                                       << QStringList { command(QStringLiteral(R"(["command"])")) };
-    QTest::newRow("command: no member command")
-        << commandTopic << QByteArray(R"({"zone_id":"1"})")
-        << QStringList { command(QStringLiteral(R"({"zone_id":"1"})")) };
-    QTest::newRow("command: unsupported")
-        << commandTopic << QByteArray(R"({"command":"reboot"})")
-        << QStringList { command(QStringLiteral(R"({"command":"reboot"})")),
-               unsupported(QStringLiteral("reboot")) };
-    QTest::newRow("command: in capital letters")
-        << commandTopic << QByteArray(R"({"command":"TOGGLE_STANDBY"})")
-        << QStringList { command(QStringLiteral(R"({"command":"TOGGLE_STANDBY"})")),
-               unsupported(QStringLiteral("TOGGLE_STANDBY")) };
-    QTest::newRow("command: a number")
-        << commandTopic << QByteArray(R"({"command":5})")
-        << QStringList { command(QStringLiteral(R"({"command":5})")), unsupported(QString()) };
-    QTest::newRow("command: a zero byte")
-        << commandTopic << QByteArray("ab\0cd", 5) << QStringList { command(QStringLiteral("ab")) };
-
-    QTest::newRow("core: unknown property")
-        << core + QStringLiteral("/foo") << QByteArray("1")
-        << QStringList { QStringLiteral("WARN  Mqtt::updateRoon() unknown property: foo") };
-    QTest::newRow("core: no property")
-        << core << QByteArray("1")
-        << QStringList { QStringLiteral("WARN  Mqtt::updateRoon() unknown property: ") };
-    QTest::newRow("core: wrong letter case")
-        << core + QStringLiteral("/serverurl") << QByteArray("1")
-        << QStringList { QStringLiteral("WARN  Mqtt::updateRoon() unknown property: serverurl") };
-    QTest::newRow("core: written at info level")
-        << core + QStringLiteral("/version") << QByteArray("2.0 \xc3\xbc")
-        << QStringList { QStringLiteral(
-               "INFO  Mqtt::updateRoon() setting property version to value: 2.0 \u00fc") };
-    QTest::newRow("core: beyond Latin-1")
-        << core + QStringLiteral("/version") << QByteArray("\xe4\xb8\xad")
-        << QStringList { QStringLiteral(
-               "INFO  Mqtt::updateRoon() setting property version to value: ?") };
-
-    QTest::newRow("state: unknown property")
-        << state + QStringLiteral("/foo") << QByteArray("1")
-        << QStringList { QStringLiteral("INFO  Mqtt::updateVelunorState() foo"),
-               QStringLiteral("WARN  Mqtt::updateVelunorState() unknown property: foo") };
-    QTest::newRow("spotify: unknown property")
-        << spotify + QStringLiteral("/foo") << QByteArray("bar")
-        << QStringList { QStringLiteral("INFO  Mqtt::updateSpotify() foo"),
-               QStringLiteral("DEBUG Mqtt::updateSpotify() bar"),
-               QStringLiteral("WARN  Mqtt::updateSpotify() unknown property: foo") };
-    QTest::newRow("settings: unknown key")
-        << settings + QStringLiteral("/foo") << QByteArray("1")
-        << QStringList { QStringLiteral("DEBUG Mqtt::updateSettings() foo") };
-    QTest::newRow("settings: no key")
-        << settings << QByteArray("1")
-        << QStringList { QStringLiteral("DEBUG Mqtt::updateSettings() ") };
-
-    QTest::newRow("zone: empty id")
-        << zones + QStringLiteral("//name") << QByteArray("x")
-        << QStringList { QStringLiteral(
-                             "DEBUG Mqtt::processMessageApi() receiving Roon zones update LEVELS"),
-               QStringLiteral("WARN  Mqtt::processMessageApi() received Roon zone data, but no "
-                              "zone object found!"),
-               QStringLiteral("WARN  Mqtt::processMessageApi() something went wrong while "
-                              "inserting Roon zone") };
-    QTest::newRow("zones: no JSON")
-        << zones + QStringLiteral("/available") << QByteArray("[{")
-        << QStringList { QStringLiteral(
-               "DEBUG Mqtt::processMessageApi() received 'available' message [{") };
-    QTest::newRow("zones: an object")
-        << zones + QStringLiteral("/available") << QByteArray("{}")
-        << QStringList { QStringLiteral(
-               "DEBUG Mqtt::processMessageApi() received 'available' message {}") };
-    const auto zone = [](const QString &id, const QStringList &lines) {
-        return QStringList {
-            QStringLiteral("DEBUG Mqtt::processMessageApi() receiving Roon zones update LEVELS"),
-            QStringLiteral("WARN  Mqtt::processMessageApi() received Roon zone data, but no zone "
-                           "object found!"),
-            QStringLiteral("INFO  RoonZones::add() inserting zone ") + id,
-            QStringLiteral("DEBUG Mqtt::processMessageApi() adding Roon zone completed!")
-        }
-        + lines;
+    row("zone: empty id", zones + "//name", "x",
+        { zoneUpdate, noZone,
+            "WARN  " + process + "something went wrong while inserting Roon zone" });
+    const auto available = [&](const char *name, const char *list) {
+        row(name, zones + "/available", list,
+            { "DEBUG " + process + "received 'available' message " + list });
     };
-    QTest::newRow("zone: unknown property")
-        << zones + QStringLiteral("/n1/foo") << QByteArray("1")
-        << zone(QStringLiteral("n1"),
-               { QStringLiteral("WARN  Mqtt::updateZone() unknown property: foo") });
-    QTest::newRow("zone: no property")
-        << zones + QStringLiteral("/n2") << QByteArray("1")
-        << zone(QStringLiteral("n2"),
-               { QStringLiteral("WARN  Mqtt::updateZone() unknown property: ") });
-    QTest::newRow("zone: group without a member")
-        << zones + QStringLiteral("/n3/settings") << QByteArray("1")
-        << zone(QStringLiteral("n3"),
-               { QStringLiteral("WARN  Mqtt::updateZone() unknown property: settings_") });
-    QTest::newRow("zone: unknown member")
-        << zones + QStringLiteral("/n4/nowPlaying/foo") << QByteArray("1")
-        << zone(QStringLiteral("n4"),
-               { QStringLiteral("WARN  Mqtt::updateZone() unknown property: nowPlaying_foo") });
-    QTest::newRow("zone: not a number")
-        << zones + QStringLiteral("/n5/nowPlaying/length") << QByteArray("abc")
-        << zone(QStringLiteral("n5"),
-               { QStringLiteral(
-                   "DEBUG Mqtt::updateZone() setting property nowPlaying_length to value: 0") });
-    QTest::newRow("zone: a negative count")
-        << zones + QStringLiteral("/n6/nowPlaying/length") << QByteArray("-5")
-        << zone(QStringLiteral("n6"),
-               { QStringLiteral(
-                   "DEBUG Mqtt::updateZone() setting property nowPlaying_length to value: 0") });
-    QTest::newRow("zone: outputs without JSON")
-        << zones + QStringLiteral("/n7/outputs") << QByteArray("nonsense")
-        << zone(QStringLiteral("n7"), { QStringLiteral("DEBUG RoonZone::setOutputs() []") });
+    available("zones: no JSON", "[{");
+    available("zones: an object", "{}");
+
+    int id = 0;
+    const auto zone = [&](const char *name, const QString &below, const QByteArray &payload,
+                          const QString &line) {
+        const QString topic = zones + QStringLiteral("/n%1").arg(++id);
+        row(name, topic + below, payload,
+            { zoneUpdate, noZone, "INFO  RoonZones::add() inserting zone " + topic.section('/', -1),
+                "DEBUG " + process + "adding Roon zone completed!", line });
+    };
+    const QString unknownOfZone = "WARN  Mqtt::updateZone() unknown property: ";
+    const QString length = "DEBUG Mqtt::updateZone() setting property nowPlaying_length to value: ";
+    zone("zone: unknown property", "/foo", "1", unknownOfZone + "foo");
+    zone("zone: no property", "", "1", unknownOfZone);
+    zone("zone: group without a member", "/settings", "1", unknownOfZone + "settings_");
+    zone("zone: unknown member", "/nowPlaying/foo", "1", unknownOfZone + "nowPlaying_foo");
+    zone("zone: not a number", "/nowPlaying/length", "abc", length + "0");
+    zone("zone: a negative count", "/nowPlaying/length", "-5", length + "0");
+    zone("zone: outputs without JSON", "/outputs", "nonsense", "DEBUG RoonZone::setOutputs() []");
 }
 
 void TestMessaging::oddInputGetsItsLogLine()

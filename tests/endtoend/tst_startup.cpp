@@ -19,6 +19,42 @@ namespace {
 const LogPattern Ping = Line::debug(QStringLiteral("SystemdWatchdog::WorkerThread::PING"));
 const LogPattern LoopEntered = Line::info(QStringLiteral("Entering main event loop..."));
 
+/** What an appliance with a panel of the usual kind logs until its scene is there. */
+const QStringList UntilTheScene {
+    QStringLiteral("INFO  Enabling DEBUG..."),
+    QStringLiteral("INFO  Starting up revision: REVISION, with Qt version: 5.15.19"),
+    QStringLiteral("DEBUG SystemdWatchdog::constructor in thread THREAD"),
+    QStringLiteral("DEBUG Mqtt::constructor in thread THREAD"),
+    QStringLiteral("DEBUG Mqtt::constructor: connecting..."),
+    QStringLiteral("DEBUG UnixSignalWatcher::constructor in thread THREAD"),
+    QStringLiteral("DEBUG Settings::constructor in thread THREAD"),
+    QStringLiteral("DEBUG Settings: reading from: /data/velunor-touch.ini"),
+    QStringLiteral("DEBUG VelunorState::constructor in thread THREAD"),
+    QStringLiteral("DEBUG Player::constructor in thread THREAD"),
+    QStringLiteral("INFO  Player::Player() setting wanted zone to Hugo2X"),
+    QStringLiteral("DEBUG Roon::constructor in thread THREAD"),
+    QStringLiteral("DEBUG SysFile::constructor in thread THREAD"),
+    QStringLiteral("DEBUG SysFile::constructor in thread THREAD"),
+    QStringLiteral("DEBUG ScreenController::constructor in thread THREAD"),
+    QStringLiteral("INFO  ScreenController::constructor() found sys dir panel0"),
+    QStringLiteral("INFO  ScreenController::ScreenController() screenType: UNKNOWN"),
+    QStringLiteral("INFO  ScreenController::ScreenController() swapped: false"),
+    QStringLiteral("INFO  ScreenController::ScreenController() rotated: false"),
+    QStringLiteral("INFO  ScreenController::ScreenController() rotation: 0"),
+    QStringLiteral("INFO  ScreenController::ScreenController() width: 800"),
+    QStringLiteral("INFO  ScreenController::ScreenController() height: 480"),
+    QStringLiteral("INFO  ScreenController::exec_brightness() 150"),
+    QStringLiteral("INFO  ScreenController::exec_backlight_on()"),
+    QStringLiteral("DEBUG NavigationController::constructor in thread THREAD"),
+    QStringLiteral("DEBUG NavigationController::busy() true"),
+    QStringLiteral("INFO  screen name       : "),
+    QStringLiteral("INFO  screen size       : QSize(800, 600)"),
+    QStringLiteral("INFO  screen orientation: LandscapeOrientation"),
+    QStringLiteral("DEBUG ImageProvider::constructor in thread THREAD"),
+    QStringLiteral("DEBUG ImageProvider::constructor logoImage.isNull(): false"),
+    QStringLiteral("INFO  get_player_window() RoonPlayerWindow2"),
+};
+
 /** The lines up to the entry of the event loop, without places, thread numbers and the revision. */
 QStringList startOf(const Program &program)
 {
@@ -69,42 +105,7 @@ void TestStartup::logsEveryStepInOrder()
     Program program;
     QVERIFY(program.startAndWait());
     const QStringList lines = startOf(program);
-
-    const QStringList untilTheScene {
-        QStringLiteral("INFO  Enabling DEBUG..."),
-        QStringLiteral("INFO  Starting up revision: REVISION, with Qt version: 5.15.19"),
-        QStringLiteral("DEBUG SystemdWatchdog::constructor in thread THREAD"),
-        QStringLiteral("DEBUG Mqtt::constructor in thread THREAD"),
-        QStringLiteral("DEBUG Mqtt::constructor: connecting..."),
-        QStringLiteral("DEBUG UnixSignalWatcher::constructor in thread THREAD"),
-        QStringLiteral("DEBUG Settings::constructor in thread THREAD"),
-        QStringLiteral("DEBUG Settings: reading from: /data/velunor-touch.ini"),
-        QStringLiteral("DEBUG VelunorState::constructor in thread THREAD"),
-        QStringLiteral("DEBUG Player::constructor in thread THREAD"),
-        QStringLiteral("INFO  Player::Player() setting wanted zone to Hugo2X"),
-        QStringLiteral("DEBUG Roon::constructor in thread THREAD"),
-        QStringLiteral("DEBUG SysFile::constructor in thread THREAD"),
-        QStringLiteral("DEBUG SysFile::constructor in thread THREAD"),
-        QStringLiteral("DEBUG ScreenController::constructor in thread THREAD"),
-        QStringLiteral("INFO  ScreenController::constructor() found sys dir panel0"),
-        QStringLiteral("INFO  ScreenController::ScreenController() screenType: UNKNOWN"),
-        QStringLiteral("INFO  ScreenController::ScreenController() swapped: false"),
-        QStringLiteral("INFO  ScreenController::ScreenController() rotated: false"),
-        QStringLiteral("INFO  ScreenController::ScreenController() rotation: 0"),
-        QStringLiteral("INFO  ScreenController::ScreenController() width: 800"),
-        QStringLiteral("INFO  ScreenController::ScreenController() height: 480"),
-        QStringLiteral("INFO  ScreenController::exec_brightness() 150"),
-        QStringLiteral("INFO  ScreenController::exec_backlight_on()"),
-        QStringLiteral("DEBUG NavigationController::constructor in thread THREAD"),
-        QStringLiteral("DEBUG NavigationController::busy() true"),
-        QStringLiteral("INFO  screen name       : "),
-        QStringLiteral("INFO  screen size       : QSize(800, 600)"),
-        QStringLiteral("INFO  screen orientation: LandscapeOrientation"),
-        QStringLiteral("DEBUG ImageProvider::constructor in thread THREAD"),
-        QStringLiteral("DEBUG ImageProvider::constructor logoImage.isNull(): false"),
-        QStringLiteral("INFO  get_player_window() RoonPlayerWindow2"),
-    };
-    QCOMPARE(lines.mid(0, untilTheScene.size()), untilTheScene);
+    QCOMPARE(lines.mid(0, UntilTheScene.size()), UntilTheScene);
 
     // What the ping thread says first may come before or after the last line.
     QStringList afterTheScene = lines.mid(lines.lastIndexOf(
@@ -147,25 +148,10 @@ void TestStartup::hidesDebugLinesByDefault()
     Program program;
     program.unsetEnvironment(QStringLiteral("TOUCHUI_DEBUG"));
     QVERIFY(program.startAndWait());
-    QCOMPARE(startOf(program),
-        QStringList({
-            QStringLiteral("INFO  Starting up revision: REVISION, with Qt version: 5.15.19"),
-            QStringLiteral("INFO  Player::Player() setting wanted zone to Hugo2X"),
-            QStringLiteral("INFO  ScreenController::constructor() found sys dir panel0"),
-            QStringLiteral("INFO  ScreenController::ScreenController() screenType: UNKNOWN"),
-            QStringLiteral("INFO  ScreenController::ScreenController() swapped: false"),
-            QStringLiteral("INFO  ScreenController::ScreenController() rotated: false"),
-            QStringLiteral("INFO  ScreenController::ScreenController() rotation: 0"),
-            QStringLiteral("INFO  ScreenController::ScreenController() width: 800"),
-            QStringLiteral("INFO  ScreenController::ScreenController() height: 480"),
-            QStringLiteral("INFO  ScreenController::exec_brightness() 150"),
-            QStringLiteral("INFO  ScreenController::exec_backlight_on()"),
-            QStringLiteral("INFO  screen name       : "),
-            QStringLiteral("INFO  screen size       : QSize(800, 600)"),
-            QStringLiteral("INFO  screen orientation: LandscapeOrientation"),
-            QStringLiteral("INFO  get_player_window() RoonPlayerWindow2"),
-            QStringLiteral("INFO  Entering main event loop..."),
-        }));
+    QStringList expected = UntilTheScene.filter(QRegularExpression(QStringLiteral("^INFO ")));
+    expected.removeOne(QStringLiteral("INFO  Enabling DEBUG..."));
+    expected.append(QStringLiteral("INFO  Entering main event loop..."));
+    QCOMPARE(startOf(program), expected);
 }
 
 void TestStartup::onlyTheWordInSmallLettersEnablesDebug_data()
