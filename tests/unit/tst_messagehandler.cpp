@@ -294,6 +294,7 @@ void TestMessageHandler::linesOfSeveralThreadsStayWhole()
     constexpr int Lines = 2000;
     std::atomic<int> ready { 0 };
     std::vector<std::thread> threads;
+    threads.reserve(Threads);
     for (int t = 0; t < Threads; ++t) {
         threads.emplace_back([t, &ready] {
             for (++ready; ready < Threads;) // all at once, or each is done before the next begins

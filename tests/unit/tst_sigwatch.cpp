@@ -257,7 +257,7 @@ void TestSigwatch::blockedSystemCallGoesOn()
 {
     UnixSignalWatcher watcher;
     QSignalSpy caught(&watcher, &UnixSignalWatcher::unixSignal);
-    watcher.watchForSignal(SIGTERM);
+    watcher.watchForSignal(SIGINT);
     int ends[2];
     QCOMPARE(::pipe(ends), 0);
     const pthread_t blockedThread = ::pthread_self();
@@ -267,7 +267,7 @@ void TestSigwatch::blockedSystemCallGoesOn()
     std::thread interrupter([&] {
         while (!reading || !isAsleep(blocked))
             std::this_thread::yield();
-        ::pthread_kill(blockedThread, SIGTERM);
+        ::pthread_kill(blockedThread, SIGINT);
         while (hasPendingSignal(blocked) || !isAsleep(blocked))
             std::this_thread::yield();
         const ssize_t written = ::write(ends[1], "x", 1);

@@ -357,10 +357,7 @@ QByteArray HistoryGenerator::text()
 QByteArray HistoryGenerator::longText(int words)
 {
     static const QByteArrayList pool { "symphony", "in", "D", "minor", "for", "strings", "Op.",
-        "125", "- Allegro", "ma non troppo", "(live)", "WWW", "iii",
-        "Stra\xc3\x9f"
-        "e",
-        "of", "f" };
+        "125", "- Allegro", "ma non troppo", "(live)", "WWW", "iii", "Stra\303\237e", "of", "f" };
     QByteArrayList text;
     for (int i = 0; i < words; ++i)
         text.append(oneOf(pool));
