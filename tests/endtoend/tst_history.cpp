@@ -269,8 +269,10 @@ void TestHistory::explain(
             [&where](const Difference &other) { return other.where == where; });
     };
     // Twice, because with what hangs on the moment the search would end anywhere.
-    const auto stillDiffers
-        = [&](const History &shorter) { return differsIn(shorter) && differsIn(shorter); };
+    const auto stillDiffers = [&](const History &shorter) {
+        const bool once = differsIn(shorter);
+        return once && differsIn(shorter);
+    };
     if (!stillDiffers(history)) {
         std::fprintf(stderr, "  Not every time: %s\n", qUtf8Printable(where));
         return;
