@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/services/broker.h"
 
+#include "testkit/services/mqttreference.h"
 #include "testkit/waiting.h"
 
 #include <QFile>
+#include <QSet>
 #include <QStandardPaths>
 
 #include <csignal>
@@ -17,6 +19,7 @@ Broker::Broker(Log log, QObject *parent)
 
 Broker::~Broker()
 {
+    failOnObjections();
     if (!QTest::currentTestFailed())
         return;
     std::fprintf(stderr, "The broker's log, %d lines:\n", lines().size());
@@ -85,8 +88,40 @@ bool Broker::waitForLine(const QRegularExpression &expression)
     return found;
 }
 
+QStringList Broker::objections() const
+{
+    static const QRegularExpression publication(QStringLiteral(
+        "^Received PUBLISH from \\S+ \\(d\\d, q(\\d), r(\\d), m\\d+, '(Velunor/.*)', "));
+    static const QString marker = QStringLiteral("Velunor/Settings/v2/end_of_");
+    QStringList found;
+    QSet<QString> seen; // the same topic comes thousands of times
+    for (const QString &line : lines()) {
+        const QRegularExpressionMatch match = publication.match(line);
+        const QString topic = match.captured(3);
+        const QString message = topic + match.captured(1) + match.captured(2);
+        // Tests see by a key that means nothing that all before it has been handled.
+        if (!match.hasMatch() || topic.startsWith(marker) || seen.contains(message))
+            continue;
+        seen.insert(message);
+        const QString objection = MqttReference::instance().objection(
+            topic, match.captured(1).toInt(), match.captured(2) == QLatin1String("1"));
+        if (!objection.isEmpty())
+            found.append(topic + QLatin1Char(' ') + objection);
+    }
+    return found;
+}
+
+void Broker::failOnObjections() const
+{
+    if (m_undocumentedAllowed)
+        return;
+    for (const QString &objection : objections())
+        QTest::qFail(qPrintable(objection), __FILE__, __LINE__);
+}
+
 bool Broker::end(int signal)
 {
+    failOnObjections();
     m_process.sendSignal(signal);
     return m_process.waitForExit();
 }

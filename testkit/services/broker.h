@@ -21,8 +21,16 @@ public:
     };
 
     explicit Broker(Log log = Packets, QObject *parent = nullptr);
-    /** Prints the broker's log when the test has failed. */
+    /**
+     * Fails the test when a message below "Velunor/" was published that docs/mqtt-api.yaml does not
+     * describe so.  Prints the broker's log when the test has failed.
+     */
     ~Broker() override;
+
+    /** For a test that publishes what the document does not know, or other than it says. */
+    void allowUndocumented() { m_undocumentedAllowed = true; }
+    /** The messages of this run that docs/mqtt-api.yaml does not describe so: topic and reason. */
+    QStringList objections() const;
 
     /** Starts the broker and waits until it listens; false, with a message, when it does not. */
     bool start();
@@ -39,8 +47,10 @@ public:
 
 private:
     bool end(int signal);
+    void failOnObjections() const;
 
     const Log m_log;
+    bool m_undocumentedAllowed = false;
     Process m_process;
     QTemporaryDir m_directory;
 };

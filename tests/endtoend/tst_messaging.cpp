@@ -324,6 +324,7 @@ void TestMessaging::oddInputGetsItsLogLine()
     QFETCH(QByteArray, payload);
     QFETCH(QStringList, lines);
     Broker broker;
+    broker.allowUndocumented();
     BrokerClient services;
     QVERIFY(services.startBroker(&broker));
     Program program;
@@ -354,6 +355,7 @@ void TestMessaging::oddInputGetsItsLogLine()
 void TestMessaging::randomMessagesDoNoHarm()
 {
     Broker broker;
+    broker.allowUndocumented();
     BrokerClient services;
     QVERIFY(services.startBroker(&broker));
     Program program;

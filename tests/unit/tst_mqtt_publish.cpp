@@ -212,6 +212,7 @@ void TestMqttPublish::connectedComesAfterTheSubscriptions()
 
 void TestMqttPublish::receivedMessagesAreDispatched()
 {
+    m_broker->allowUndocumented();
     connectMqtt();
     const QString topic = QStringLiteral("Velunor/Settings/v2/unknown");
     m_services->publish(topic, "1");
@@ -369,6 +370,7 @@ void TestMqttPublish::brokerThatEndsStaysLost_data()
 
 void TestMqttPublish::brokerThatEndsStaysLost()
 {
+    m_broker->allowUndocumented();
     QFETCH(bool, kill);
     connectMqtt();
     QSignalSpy connectedAgain(m_mqtt.get(), &Mqtt::connected);
