@@ -32,6 +32,8 @@ MqttReference::Entry entryFrom(const QJsonObject &described)
     entry.examples = described["examples"].toArray();
     for (const QJsonValue &payload : described["sent"].toArray())
         entry.sent.append(payload.toString().toUtf8());
+    for (const QJsonValue &page : described["pages"].toArray())
+        entry.pages.append(page.toString());
     const QJsonObject property = described["property"].toObject();
     entry.object = property["object"].toString();
     entry.property = property["name"].toString();

@@ -6,6 +6,7 @@
 #include <QJsonValue>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 /** What docs/mqtt-api.yaml says of the messages that the program receives and sends. */
 class MqttReference {
@@ -18,6 +19,7 @@ public:
         bool retain;
         QJsonArray examples; ///< as values
         QByteArrayList sent; ///< the same as payloads
+        QStringList pages;   ///< on which it is seen, or which it leads to
         QString object;      ///< the class it is stored in; empty where it is not stored
         QString property;    ///< and the property's name, type and value before the first message
         QString type;

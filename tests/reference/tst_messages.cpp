@@ -36,6 +36,7 @@ private slots:
     void theListOfZones();
     void theOutputsOfAZone();
     void theConnectedFlagIsIgnored();
+    void whatIsNotListedChangesNothing();
     void standby();
     void commandsAreSentAsDescribed();
     void reportsAreSentAsDescribed();
@@ -191,6 +192,37 @@ void TestMessages::theConnectedFlagIsIgnored()
             1);
         QVERIFY(appliance.waitForPage(PageNames::Player));
     }
+}
+
+void TestMessages::whatIsNotListedChangesNothing()
+{
+    Appliance appliance;
+    appliance.broker.allowUndocumented();
+    QVERIFY(appliance.start());
+    const QString state = "Velunor/State/v1/";
+    const QString settings = "Velunor/Settings/v2/";
+    const QString spotify = "Velunor/Controller/remote_control/v4/spotify/";
+    const QString core = "Velunor/Controller/remote_control/v4/roon/Roon/";
+    const QString zone = "Velunor/Controller/remote_control/v4/roon/Zones/z1/";
+    const auto warnings = [&](const QStringList &topics) {
+        const int before = appliance.program.logSize();
+        for (const QString &topic : topics)
+            appliance.services.publish(topic, "x", true);
+        return appliance.handled()
+            ? appliance.program.count(LogPattern("WARN", QString()).andMore(), before)
+            : -1;
+    };
+    QCOMPARE(
+        warnings({ state + "unheard", core + "unheard", zone + "unheard", spotify + "unheard" }),
+        4);
+    QCOMPARE(warnings({ settings + "unheard", state + "objectName", core + "objectName",
+                 zone + "objectName", spotify + "objectName", core + "ipAddress",
+                 core + "localHostName", core + "Id" }),
+        1); // the last one's first letter is another
+    QVERIFY(appliance.waitForPage(PageNames::Player));
+
+    appliance.services.publish(core + "coreDetected/deeper", "false", true);
+    QVERIFY(appliance.waitForPage(PageNames::Failure));
 }
 
 void TestMessages::standby()
