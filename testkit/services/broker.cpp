@@ -44,15 +44,16 @@ bool Broker::start()
         ? "log_type all\n"
         : "log_type error\nlog_type warning\nlog_type information\nlog_type subscribe\n";
     if (!configuration.open(QIODevice::WriteOnly)
-        || configuration.write("listener 1883 127.0.0.1\n"
-                               "allow_anonymous true\n"
-                               "user root\n"
-                               "persistence false\n"
-                               "set_tcp_nodelay true\n"
-                               "max_queued_messages 0\n"
-                               "log_dest stderr\n"
-                               "log_timestamp false\n"
-               + logTypes)
+        || configuration.write("listener 1883 " + m_address
+               + "\n"
+                 "allow_anonymous true\n"
+                 "user root\n"
+                 "persistence false\n"
+                 "set_tcp_nodelay true\n"
+                 "max_queued_messages 0\n"
+                 "log_dest stderr\n"
+                 "log_timestamp false\n"
+               + logTypes + m_moreConfiguration)
             < 0) {
         qWarning("cannot write the broker's configuration");
         return false;

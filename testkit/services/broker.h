@@ -7,9 +7,9 @@
 #include <QTemporaryDir>
 
 /**
- * A real mosquitto on 127.0.0.1:1883.  It keeps nothing over a restart, and unless told otherwise
- * its log tells every packet: "Received PUBLISH from CLIENT (d0, q1, r0, m2, 'TOPIC', ... (5
- * bytes))".
+ * A real mosquitto on port 1883 of 127.0.0.1, or of another address.  It keeps nothing over a
+ * restart, and unless told otherwise its log tells every packet: "Received PUBLISH from CLIENT (d0,
+ * q1, r0, m2, 'TOPIC', ... (5 bytes))".
  */
 class Broker : public QObject {
     Q_OBJECT
@@ -32,6 +32,11 @@ public:
     /** The messages of this run that docs/mqtt-api.yaml does not describe so: topic and reason. */
     QStringList objections() const;
 
+    /** To be called before start(), as is the next: listens on another address of this machine. */
+    void setAddress(const QByteArray &address) { m_address = address; }
+    /** More lines for its configuration, as a file beside it would hold them. */
+    void configure(const QByteArray &lines) { m_moreConfiguration = lines; }
+
     /** Starts the broker and waits until it listens; false, with a message, when it does not. */
     bool start();
     /** Ends it with SIGTERM, or without warning with SIGKILL, and waits until it is gone. */
@@ -51,6 +56,8 @@ private:
 
     const Log m_log;
     bool m_undocumentedAllowed = false;
+    QByteArray m_address = QByteArrayLiteral("127.0.0.1");
+    QByteArray m_moreConfiguration;
     Process m_process;
     QTemporaryDir m_directory;
 };

@@ -28,6 +28,9 @@ public:
 
     explicit BrokerClient(QObject *parent = nullptr);
 
+    /** To be called before connecting: the address of another broker than the appliance's. */
+    void setAddress(const QString &address) { m_client.setHostname(address); }
+
     /**
      * Connects and subscribes to everything; false, with a message, when the broker does not
      * confirm it.

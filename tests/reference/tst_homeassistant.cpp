@@ -14,13 +14,15 @@ namespace {
 
 const QString Prefix = "homeassistant/";
 
-/** What docs/home-assistant.md tells a reader to run. */
-QString recipe()
+const QString OwnBroker = "127.0.0.2"; // Home Assistant's
+
+/** What docs/home-assistant.md tells a reader to run, or to configure. */
+QString recipe(const QString &beginning)
 {
     QFile page(TOUCHUI_CHECKOUT "/docs/home-assistant.md");
     if (!page.open(QIODevice::ReadOnly))
         return QString();
-    const QRegularExpression block("^```sh$(.*)^```$",
+    const QRegularExpression block("^```" + beginning + "(.*)^```$",
         QRegularExpression::MultilineOption | QRegularExpression::DotMatchesEverythingOption
             | QRegularExpression::InvertedGreedinessOption);
     return block.match(QString::fromUtf8(page.readAll())).captured(1);
@@ -28,7 +30,7 @@ QString recipe()
 
 } // namespace
 
-/** The recipe for Home Assistant, run against a broker and the real program. */
+/** The recipe for Home Assistant, run with a bridge between two brokers and the real program. */
 class TestHomeAssistant : public QObject {
     Q_OBJECT
 
@@ -43,26 +45,40 @@ private slots:
 private:
     QMap<QString, QJsonObject> announced(BrokerClient &client) const;
 
+    std::unique_ptr<Broker> m_broker; // Home Assistant's
     std::unique_ptr<Appliance> m_appliance;
     BrokerClient m_late; // as Home Assistant, which comes after the messages
 };
 
 void TestHomeAssistant::init()
 {
+    m_broker = std::make_unique<Broker>();
+    m_broker->setAddress(OwnBroker.toLatin1());
+    QVERIFY(m_broker->start());
+    const QString bridge = recipe("$(?=\nconnection )");
+    QVERIFY(bridge.contains("HOME-ASSISTANT"));
     m_appliance = std::make_unique<Appliance>();
+    m_appliance->broker.configure(QString(bridge).replace("HOME-ASSISTANT", OwnBroker).toUtf8());
     QVERIFY(m_appliance->start());
+    QVERIFY(m_broker->waitForLine(QRegularExpression("^Sending SUBACK to .*homeassistant")));
+
     QProcess shell;
     shell.setProcessChannelMode(QProcess::MergedChannels);
-    shell.start("sh", { "-eu", "-c", recipe() });
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("BROKER", OwnBroker);
+    shell.setProcessEnvironment(environment);
+    shell.start("sh", { "-eu", "-c", recipe("sh$") });
     QTRY_COMPARE_WITH_TIMEOUT(shell.state(), QProcess::NotRunning, PatienceMs);
     QVERIFY2(shell.exitCode() == 0, shell.readAll());
     m_late.clear();
+    m_late.setAddress(OwnBroker);
     QVERIFY(m_late.connectToBroker());
 }
 
 void TestHomeAssistant::cleanup()
 {
     m_appliance.reset();
+    m_broker.reset();
 }
 
 /** What the late comer finds below "homeassistant/", by topic. */
