@@ -102,7 +102,8 @@ void TestMessages::storedMessages()
     };
 
     QJsonValue before = stored();
-    QCOMPARE(before, entry.initial);
+    QCOMPARE(before,
+        entry.initial == "{zoneId}" ? QJsonValue("z1") : entry.initial); // the topic's own
     for (int i = 0; i < entry.sent.size(); ++i) {
         QVERIFY(receive(entry.sent.at(i)));
         const QJsonValue expected
