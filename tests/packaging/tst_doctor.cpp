@@ -37,6 +37,8 @@ private slots:
     void findsWhatIsWrong_data();
     void findsWhatIsWrong();
     void triesAsTheServicesUser();
+    void anOrdinaryUserIsNotTakenForTheService();
+    void theJournalGivesTheTerminalNoOrders();
     void isCalledWrongly();
 
 private:
@@ -75,6 +77,8 @@ void TestDoctor::init()
     m_tools->add(QStringLiteral("systemctl"), "cat \"$here/$1\" 2>/dev/null");
     m_tools->add(QStringLiteral("journalctl"), "echo the last line");
     m_tools->add(QStringLiteral("fc-match"), "cat \"$here/font\"");
+    m_tools->add(QStringLiteral("findmnt"), "cat \"$here/mounted\"");
+    m_tools->write(QStringLiteral("mounted"), "rw,relatime\n");
     m_tools->write(QStringLiteral("forbidden"), {});
     m_tools->write(QStringLiteral("font"), "Noto Sans");
     m_tools->write(QStringLiteral("is-active"), "active\n");
@@ -183,6 +187,10 @@ void TestDoctor::findsWhatIsWrong_data()
         "forbidden touch", [](Test &test) { test.forbid("dev/input/event1"); },
         "NO  touch        velunor-touchui may not open /dev/input/event1");
     passes(
+        "a mouse alone",
+        [](Test &test) { test.m_tools->add(QStringLiteral("udevadm"), "echo ID_INPUT_MOUSE=1"); },
+        "??  touch        /dev/input/event1 is a mouse");
+    passes(
         "no backlight", [](Test &test) { test.remove("sys/class/backlight/panel0"); },
         "??  backlight    none");
     fails(
@@ -196,6 +204,13 @@ void TestDoctor::findsWhatIsWrong_data()
     fails(
         "forbidden data", [](Test &test) { test.forbid("data"); },
         "NO  /data        velunor-touchui may not write it");
+    fails(
+        "read-only data",
+        [](Test &test) {
+            test.forbid("data");
+            test.m_tools->write(QStringLiteral("mounted"), "ro,relatime\n");
+        },
+        "NO  /data        it is mounted read-only");
     fails(
         "forbidden settings", [](Test &test) { test.forbid("data/velunor-touch.ini"); },
         "NO  /data        velunor-touchui may not change /data/velunor-touch.ini");
@@ -230,6 +245,17 @@ void TestDoctor::findsWhatIsWrong_data()
         "stopped",
         [](Test &test) { test.m_tools->write(QStringLiteral("is-active"), "inactive\n"); },
         "NO  service      inactive: systemctl start velunor-touchui");
+    fails(
+        "ends again and again",
+        [](Test &test) { test.m_tools->write(QStringLiteral("is-active"), "activating\n"); },
+        "NO  service      starting, or ending");
+    passes(
+        "no systemd",
+        [](Test &test) {
+            test.m_tools->add(QStringLiteral("systemctl"), "exit 127");
+            test.m_tools->add(QStringLiteral("journalctl"), "exit 127");
+        },
+        "??  service      systemd does not answer");
     passes(
         "not at boot",
         [](Test &test) { test.m_tools->write(QStringLiteral("is-enabled"), "disabled\n"); },
@@ -253,6 +279,25 @@ void TestDoctor::triesAsTheServicesUser()
     QCOMPARE(run(), 0);
     QCOMPARE(m_tools->read(QStringLiteral("tried")).trimmed(),
         QByteArray("--reuid=velunor-touchui --regid=velunor-touchui --init-groups"));
+}
+
+void TestDoctor::anOrdinaryUserIsNotTakenForTheService()
+{
+    m_tools->add(QStringLiteral("id"), "[ \"$1\" != -u ] || echo 1000");
+    remove("sys/class/backlight/panel0/brightness"); // neither may write it, not even root
+    QCOMPARE(run(), 0);
+    QVERIFY(m_said.contains(QLatin1String("??  user         not root")));
+    QVERIFY(m_said.contains(QLatin1String("??  backlight    you may not write")));
+    QCOMPARE(m_tools->read(QStringLiteral("tried")), QByteArray());
+}
+
+void TestDoctor::theJournalGivesTheTerminalNoOrders()
+{
+    m_tools->add(
+        QStringLiteral("journalctl"), "printf 'Grün\\033[2J\\033]0;title\\007\\302\\2331mend\\n'");
+    QCOMPARE(run(), 0);
+    QVERIFY2(
+        m_said.endsWith(QStringLiteral("\n    Grün?[2J?]0;title??1mend\n")), qPrintable(m_said));
 }
 
 void TestDoctor::isCalledWrongly()
