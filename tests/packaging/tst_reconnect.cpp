@@ -26,18 +26,21 @@ const QByteArray Knock = QByteArray::fromHex("101d00044d51545404020000")
 
 /** A front end of which the service manager knows only what the test says; a restart connects it.
  */
-const QByteArray Systemctl = R"(
+const QByteArray Systemctl = R"sh(
 case "$*" in
-"show --property=SubState --value velunor-touchui.service") echo asked >>"$here/asked"; cat "$here/state" ;;
-"show --property=MainPID --value velunor-touchui.service") cat "$here/pid" ;;
-"reset-failed velunor-touchui.service") : >"$here/forgiven" ;;
+"show --property=SubState --property=UID velunor-touchui.service")
+    echo asked >>"$here/asked"
+    echo "UID=$(id -u)"
+    echo "SubState=$(cat "$here/state")" ;;
 "try-restart velunor-touchui.service")
-    [ -e "$here/forgiven" ] || echo "not forgiven" >>"$here/unexpected"
-    rm -f "$here/forgiven"
     cut -d ' ' -f 1 /proc/uptime >>"$here/restarts"
-    [ ! -e "$here/connects" ] || { mosquitto_sub -t none </dev/null >/dev/null 2>&1 & echo $! | tee -a "$here/started" >"$here/pid"; } ;;
+    [ ! -e "$here/connects" ] || {
+        mosquitto_sub -t none </dev/null >/dev/null 2>&1 & echo $! >>"$here/started"
+        until grep -q " 0100007F:075B 01 " /proc/net/tcp; do /bin/sleep 0.05; done
+    } ;;
+"reset-failed velunor-touchui.service") echo forgiven >>"$here/forgiven" ;;
 *) echo "$*" >>"$here/unexpected" ;;
-esac)";
+esac)sh";
 
 /**
  * Follows a file instead of a journal, and lets through what the true one would. Like the true one
@@ -93,6 +96,14 @@ private:
     /** Connects as the front end does, and lets the script know its process. */
     void connectFrontEnd() { QVERIFY(m_frontEnd.waitForConnected()); }
     int restarts() const { return m_tools->lines(QStringLiteral("restarts")).size(); }
+    /** Whether it sleeps in a read from the journal, whose descriptor is none of a child's. */
+    bool readsTheJournal() const
+    {
+        QFile call(QStringLiteral("/proc/%1/syscall").arg(m_script->processId()));
+        const QList<QByteArray> numbers
+            = call.open(QIODevice::ReadOnly) ? call.readAll().split(' ') : QList<QByteArray>();
+        return numbers.value(1).toInt(nullptr, 16) >= 10;
+    }
     /** Seconds between two restarts. */
     double pauseBefore(int restart) const
     {
@@ -113,7 +124,6 @@ void TestReconnect::init()
     m_tools->add(QStringLiteral("systemctl"), Systemctl);
     m_tools->add(QStringLiteral("journalctl"), Journalctl);
     m_tools->write(QStringLiteral("state"), "running\n");
-    m_tools->write(QStringLiteral("pid"), QByteArray::number(qApp->applicationPid()) + '\n');
     m_tools->write(QStringLiteral("connects"), {});
     m_tools->write(QStringLiteral("journal"), {});
     say(Loss, 1000); // of another day, which nobody is to answer
@@ -146,8 +156,10 @@ void TestReconnect::aBrokerThatIsThereStartsAnUnconnectedFrontEndAgain()
     QVERIFY(startScript());
     QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
     // It looks once more, is content, and sees the next loss.
-    QTRY_COMPARE_WITH_TIMEOUT(questions(), 3, PatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(questions(), 2, PatienceMs);
     QCOMPARE(restarts(), 1);
+    // systemd is not to count it among the program's failures.
+    QCOMPARE(m_tools->lines(QStringLiteral("forgiven")).size(), 1);
 }
 
 void TestReconnect::aConnectedFrontEndIsLetBe()
@@ -180,14 +192,13 @@ void TestReconnect::aLossStartsItAgain()
 void TestReconnect::aLossWhileTheJournalIsBeingOpenedStartsItAgain()
 {
     m_tools->write(QStringLiteral("slow"), {});
-    m_tools->add(
-        QStringLiteral("awk"), "/usr/bin/awk \"$@\"; found=$?; : >\"$here/compared\"; exit $found");
     QVERIFY(m_broker->start());
     m_frontEnd.connectToHost(QStringLiteral("127.0.0.1"), BrokerPort);
     connectFrontEnd();
     QVERIFY(startScript());
     // The first look has found the connection.
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m_tools->path(QStringLiteral("compared"))), PatienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(readsTheJournal(), PatienceMs);
+    QCOMPARE(questions(), 1);
     m_frontEnd.abort();
     say(Loss);
     QFile::remove(m_tools->path(QStringLiteral("slow")));
@@ -206,7 +217,7 @@ void TestReconnect::otherLinesOfTheLogDoNotWakeIt()
     m_frontEnd.abort();
     say(Loss);
     QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
-    QTRY_COMPARE_WITH_TIMEOUT(questions(), 4, PatienceMs); // before, twice around, after
+    QTRY_COMPARE_WITH_TIMEOUT(questions(), 3, PatienceMs); // and after it
 }
 
 void TestReconnect::aFrozenBrokerIsWaitedForWithoutAWake()
@@ -256,7 +267,6 @@ void TestReconnect::aBrokerThatLetsNobodyInCountsAsAway()
 void TestReconnect::aStoppedFrontEndStaysStopped()
 {
     m_tools->write(QStringLiteral("state"), "dead\n");
-    m_tools->write(QStringLiteral("pid"), "0\n");
     QVERIFY(m_broker->start());
     QVERIFY(startScript());
     for (int look = 1; look <= 3; ++look) {
@@ -289,13 +299,12 @@ void TestReconnect::oneThatIsAboutToStartIsLetBe()
     say(Loss);
     QTRY_COMPARE_WITH_TIMEOUT(restarts(), 1, PatienceMs);
     QCOMPARE(m_tools->read(QStringLiteral("slept")), QByteArray());
-    // One look in vain; the other, twice before its restart and once after it.
-    QTRY_COMPARE_WITH_TIMEOUT(questions(), 4, PatienceMs);
+    // One look in vain; one before its restart and one after it.
+    QTRY_COMPARE_WITH_TIMEOUT(questions(), 3, PatienceMs);
 }
 
 void TestReconnect::restartsInVainBecomeRare()
 {
-    m_tools->write(QStringLiteral("pid"), "0\n");
     QFile::remove(m_tools->path(QStringLiteral("connects")));
     QVERIFY(m_broker->start());
     QVERIFY(startScript());
@@ -307,7 +316,6 @@ void TestReconnect::restartsInVainBecomeRare()
 
 void TestReconnect::eachStartOfTheBrokerIsAFreshChance()
 {
-    m_tools->write(QStringLiteral("pid"), "0\n");
     QFile::remove(m_tools->path(QStringLiteral("connects")));
     QVERIFY(m_broker->start());
     QVERIFY(startScript());
