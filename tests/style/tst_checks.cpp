@@ -49,6 +49,9 @@ const QList<File> CleanTree {
     { "qml/components/format.js", "// a == b\n" },
     { "docs/screens.md", "![](pictures/player.png)\n" },
     { "docs/pictures/player.png", "" },
+    { "README.md", "VELUNOR_TOUCHUI_SIZE\n" },
+    { "debian/velunor-touchui.default", "#VELUNOR_TOUCHUI_SIZE=1\n" },
+    { "packaging/man/velunor-touchui.8", "VELUNOR_TOUCHUI_SIZES\n" },
 };
 
 } // namespace
@@ -191,6 +194,10 @@ void TestChecks::namesTheFault_data()
     style("loose equality", "qml/main.qml", "visible: a == b\n", equality);
     style("loose inequality", "qml/components/format.js", "return a != b\n", equality);
     style("layout", "src/player.cpp", "int a  = 1;\n", ":3: not laid out by .clang-format");
+
+    row("variable that the manual does not tell of", Style, "src/player.cpp",
+        Head + "const char *const size = \"VELUNOR_TOUCHUI_SIZE\";\n",
+        "packaging/man/velunor-touchui.8: does not tell of VELUNOR_TOUCHUI_SIZE");
 
     const QByteArray listed = Head
         + "<file>qml/main.qml</file>\n<file>qml/components/Theme.qml</file>\n"
