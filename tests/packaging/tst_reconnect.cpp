@@ -29,9 +29,9 @@ const QByteArray Knock = QByteArray::fromHex("101d00044d51545404020000")
 const QByteArray Systemctl = R"sh(
 case "$*" in
 "show --property=SubState --property=UID velunor-touchui.service")
-    echo asked >>"$here/asked"
     echo "UID=$(id -u)"
-    echo "SubState=$(cat "$here/state")" ;;
+    echo "SubState=$(cat "$here/state")"
+    echo asked >>"$here/asked" ;; # the test may change the state from here on
 "try-restart velunor-touchui.service")
     cut -d ' ' -f 1 /proc/uptime >>"$here/restarts"
     [ ! -e "$here/connects" ] || {
