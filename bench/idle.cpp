@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "idle.h"
 
-#include "testkit/services/brokerclient.h"
 #include "eventwait.h"
 #include "playingzone.h"
 #include "processfigures.h"
 #include "report.h"
 #include "subject.h"
+#include "testkit/services/brokerclient.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "latency.h"
 
-#include "testkit/services/brokerclient.h"
 #include "eventwait.h"
 #include "playingzone.h"
 #include "report.h"
 #include "statistics.h"
 #include "subject.h"
+#include "testkit/services/brokerclient.h"
 
 #include <QJsonArray>
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "testkit/services/broker.h"
-#include "testkit/services/brokerclient.h"
-#include "testkit/machine/display.h"
 #include "idle.h"
 #include "latency.h"
 #include "memory.h"
 #include "playingzone.h"
 #include "report.h"
 #include "startup.h"
+#include "testkit/machine/display.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
 #include "throughput.h"
 
 #include <QCoreApplication>

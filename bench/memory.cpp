@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "memory.h"
 
-#include "testkit/services/brokerclient.h"
 #include "eventwait.h"
-#include "testkit/services/notifysocket.h"
 #include "playingzone.h"
 #include "processfigures.h"
 #include "report.h"
 #include "statistics.h"
 #include "subject.h"
+#include "testkit/services/brokerclient.h"
+#include "testkit/services/notifysocket.h"
 
 namespace {
 

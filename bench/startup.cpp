@@ -2,10 +2,10 @@
 #include "startup.h"
 
 #include "eventwait.h"
-#include "testkit/services/notifysocket.h"
 #include "report.h"
 #include "statistics.h"
 #include "subject.h"
+#include "testkit/services/notifysocket.h"
 
 namespace {
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "throughput.h"
 
-#include "testkit/services/broker.h"
 #include "eventwait.h"
 #include "playingzone.h"
 #include "processfigures.h"
@@ -9,6 +8,7 @@
 #include "statistics.h"
 #include "stream.h"
 #include "subject.h"
+#include "testkit/services/broker.h"
 
 #include <QElapsedTimer>
 #include <QJsonArray>

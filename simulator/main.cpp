@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "simulator/scenario/scenariolibrary.h"
 #include "sigwatch.h"
+#include "simulator/scenario/scenariolibrary.h"
 #include "simulator/simulator.h"
 
 #include <QCoreApplication>

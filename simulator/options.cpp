@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulator/options.h"
 
-#include "simulator/scenario/action.h"
 #include "simulator/house/library.h"
+#include "simulator/scenario/action.h"
 #include "simulator/services/topics.h"
 
 #include <QCommandLineParser>

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "simulator/options.h"
 #include "simulator/scenario/actionrunner.h"
+#include "simulator/scenario/scenarioplayer.h"
 #include "simulator/services/appliancelink.h"
 #include "simulator/services/disturbance.h"
 #include "simulator/services/fakepanel.h"
 #include "simulator/services/imageservice.h"
-#include "simulator/options.h"
 #include "simulator/services/remotecontrolservice.h"
-#include "simulator/scenario/scenarioplayer.h"
 #include "simulator/services/stateservice.h"
 #include "simulator/services/webservice.h"
 

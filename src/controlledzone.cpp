@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "controlledzone.h"
+
 #include "player.h"
 #include "roonzones.h"
 #include "storeifchanged.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "coveraddress.h"
+
 #include "roon.h"
 
 QString coverAddress(const QString &key, const QSize &size)

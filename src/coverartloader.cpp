@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "coverartloader.h"
+
 #include "changenotifier.h"
 #include "imageprovider.h"
 #include "roon.h"

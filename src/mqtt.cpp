@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mqtt.h"
+
 #include "brokertopics.h"
 #include "navigationcontroller.h"
 #include "player.h"

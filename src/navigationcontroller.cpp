@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "navigationcontroller.h"
+
 #include "brokertopics.h"
 #include "mqtt.h"
 #include "player.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "player.h"
+
 #include "apiclient.h"
 #include "brokertopics.h"
 #include "coveraddress.h"

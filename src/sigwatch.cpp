@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "sigwatch.h"
+
 #include "sigwatch_p.h"
 
 #include <QDebug>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "testkit/machine/panel.h"
+#include "testkit/process/program.h"
 #include "testkit/services/broker.h"
 #include "testkit/services/brokerclient.h"
 #include "testkit/services/imageserver.h"
-#include "testkit/machine/panel.h"
-#include "testkit/process/program.h"
 
 /**
  * A whole appliance: broker, publishing services, image service, panel and the program, which

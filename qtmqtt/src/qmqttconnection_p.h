@@ -8,9 +8,9 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QDeadlineTimer>
+#include <QtCore/QHash>
 #include <QtCore/QList>
 #include <QtCore/QObject>
-#include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtCore/QTimer>
 #include <QtNetwork/QHostAddress>

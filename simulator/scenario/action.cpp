@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulator/scenario/action.h"
 
+#include "simulator/house/library.h"
 #include "simulator/scenario/actionkind.h"
 #include "simulator/scenario/jsontext.h"
-#include "simulator/house/library.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "simulator/scenario/action.h"
 #include "simulator/house/library.h"
+#include "simulator/scenario/action.h"
 
 #include <QByteArray>
 #include <QString>

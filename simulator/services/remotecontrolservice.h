@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "simulator/services/remotecommand.h"
 #include "simulator/house/zonesimulation.h"
+#include "simulator/services/remotecommand.h"
 
-#include <QObject>
 #include <QHash>
+#include <QObject>
 #include <QRandomGenerator>
 
 /**

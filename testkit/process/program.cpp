@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/process/program.h"
-#include "testkit/pagenames.h"
 
+#include "testkit/pagenames.h"
 #include "testkit/waiting.h"
 
 #include <QDir>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "testkit/process/loglines.h"
 #include "testkit/probe/probe.h"
+#include "testkit/process/loglines.h"
 #include "testkit/process/process.h"
 
 #include <QList>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/machine/display.h"
 #include "testkit/machine/panel.h"
+#include "testkit/machine/windows.h"
 #include "testkit/process/program.h"
 #include "testkit/process/terminal.h"
-#include "testkit/machine/windows.h"
 #include "testkit/waiting.h"
 
 #include <QDir>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "testkit/services/broker.h"
 #include "history/historygenerator.h"
-#include "testkit/services/imageserver.h"
-#include "testkit/services/mqttreference.h"
-#include "testkit/machine/panel.h"
 #include "history/shrinker.h"
 #include "history/topics.h"
 #include "history/trial.h"
+#include "testkit/machine/panel.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/imageserver.h"
+#include "testkit/services/mqttreference.h"
 
 #include <QCommandLineParser>
 #include <QTest>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "testkit/services/broker.h"
-#include "testkit/services/brokerclient.h"
 #include "testkit/machine/panel.h"
 #include "testkit/process/program.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
 #include "testkit/waiting.h"
 
 #include <QRandomGenerator>

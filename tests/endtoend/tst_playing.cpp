@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "testkit/services/apiserver.h"
 #include "testkit/appliance.h"
 #include "testkit/likeness.h"
+#include "testkit/services/apiserver.h"
 #include "testkit/waiting.h"
 
 #include <QMarginsF>

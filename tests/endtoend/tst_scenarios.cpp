@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "testkit/services/broker.h"
-#include "testkit/pagenames.h"
 #include "testkit/machine/panel.h"
+#include "testkit/pagenames.h"
 #include "testkit/process/program.h"
 #include "testkit/process/simulatorprogram.h"
+#include "testkit/services/broker.h"
 #include "testkit/waiting.h"
 
 #include <QDir>

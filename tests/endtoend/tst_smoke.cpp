@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "testkit/machine/panel.h"
+#include "testkit/process/program.h"
 #include "testkit/services/broker.h"
 #include "testkit/services/brokerclient.h"
 #include "testkit/services/notifysocket.h"
-#include "testkit/machine/panel.h"
-#include "testkit/process/program.h"
 #include "testkit/waiting.h"
 
 #include <QTest>

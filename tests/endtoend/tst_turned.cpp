@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/appliance.h"
 #include "testkit/machine/display.h"
-#include "testkit/pagenames.h"
 #include "testkit/machine/panelkind.h"
+#include "testkit/pagenames.h"
 #include "testkit/waiting.h"
 
 #include <QFile>

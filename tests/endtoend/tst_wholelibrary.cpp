@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "testkit/services/broker.h"
-#include "testkit/services/brokerclient.h"
-#include "simulator/services/coverart.h"
 #include "simulator/house/library.h"
+#include "simulator/services/coverart.h"
+#include "simulator/services/topics.h"
 #include "testkit/machine/panel.h"
 #include "testkit/meandifference.h"
 #include "testkit/process/program.h"
 #include "testkit/process/simulatorprogram.h"
-#include "simulator/services/topics.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
 #include "testkit/waiting.h"
 
 #include <QRandomGenerator>

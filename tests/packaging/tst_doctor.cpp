@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "faketools.h"
-
 #include "testkit/services/broker.h"
 #include "testkit/waiting.h"
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "faketools.h"
-
 #include "testkit/process/process.h"
 #include "testkit/process/program.h"
 #include "testkit/services/broker.h"

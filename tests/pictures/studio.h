@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "testkit/services/broker.h"
-#include "testkit/services/brokerclient.h"
 #include "testkit/machine/display.h"
 #include "testkit/machine/panelkind.h"
 #include "testkit/process/program.h"
 #include "testkit/process/simulatorprogram.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
 
 #include <QImage>
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "listener.h"
+
 #include "address.h"
 
 #include <QtTest/QtTest>

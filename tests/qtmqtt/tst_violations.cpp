@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fakebroker.h"
-#include "oursalone.h"
 #include "loggedclient.h"
+#include "oursalone.h"
 
 #include <QtTest/QtTest>
 

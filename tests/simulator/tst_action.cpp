@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulator/scenario/action.h"
-#include "simulator/scenario/actionkind.h"
 #include "markdowntable.h"
+#include "simulator/scenario/actionkind.h"
 
 #include <QRegularExpression>
 #include <QTest>

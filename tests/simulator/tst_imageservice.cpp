@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulator/services/imageservice.h"
 
-#include "simulator/services/coverart.h"
 #include "simulator/house/library.h"
+#include "simulator/services/coverart.h"
 #include "testkit/meandifference.h"
 
 #include <QImage>

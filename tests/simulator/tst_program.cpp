@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "simulator/services/topics.h"
+#include "testkit/process/simulatorprogram.h"
 #include "testkit/services/broker.h"
 #include "testkit/services/brokerclient.h"
-#include "testkit/process/simulatorprogram.h"
-#include "simulator/services/topics.h"
 #include "testkit/waiting.h"
 
 #include <QDir>

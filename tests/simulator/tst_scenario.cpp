@@ -5,8 +5,8 @@
 #include "simulator/services/disturbance.h"
 #include "simulator/services/imageservice.h"
 #include "simulator/services/remotecontrolservice.h"
-#include "simulator/simulator.h"
 #include "simulator/services/stateservice.h"
+#include "simulator/simulator.h"
 
 #include <QDir>
 #include <QTest>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "modelclasstest.h"
+
 #include "metatable.h"
 
 QStringList ModelClassTest::constructorLines() const

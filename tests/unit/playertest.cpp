@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "playertest.h"
+
 #include "navigationcontroller.h"
 #include "nobroker.h"
 #include "roonzones.h"

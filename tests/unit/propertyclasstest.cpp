@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "propertyclasstest.h"
+
 #include "samplevalue.h"
 #include "signalrecorder.h"
 

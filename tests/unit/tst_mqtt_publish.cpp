@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "testkit/services/broker.h"
-#include "testkit/services/brokerclient.h"
 #include "modelclasstest.h"
 #include "mqtt.h"
 #include "player.h"
 #include "signalrecorder.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
 #include "testkit/waiting.h"
 
 #include <QMetaEnum>

@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "navigationcontroller.h"
-#include "testkit/services/broker.h"
-#include "testkit/services/brokerclient.h"
 #include "logcapture.h"
 #include "markdowntable.h"
 #include "metatable.h"
 #include "mqtt.h"
-#include "testkit/machine/panel.h"
 #include "player.h"
 #include "roon.h"
 #include "roonzones.h"
 #include "screencontroller.h"
 #include "settings.h"
 #include "signalrecorder.h"
-#include "velunor_state.h"
+#include "testkit/machine/panel.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
 #include "testkit/waiting.h"
+#include "velunor_state.h"
 
 #include <QFile>
 #include <QSignalSpy>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "testkit/services/apiserver.h"
-#include "testkit/services/broker.h"
-#include "testkit/services/brokerclient.h"
 #include "logcapture.h"
 #include "mqtt.h"
 #include "navigationcontroller.h"
 #include "player.h"
 #include "roonzones.h"
 #include "signalrecorder.h"
+#include "testkit/services/apiserver.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
 #include "testkit/waiting.h"
 
 #include <QJsonArray>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "propertyclasstest.h"
 #include "roon.h"
+
+#include "propertyclasstest.h"
 
 #include <QCoreApplication>
 #include <QHostInfo>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "screencontroller.h"
-#include "testkit/services/broker.h"
-#include "testkit/services/brokerclient.h"
 #include "mqtt.h"
 #include "propertyclasstest.h"
 #include "settings.h"
+#include "testkit/services/broker.h"
+#include "testkit/services/brokerclient.h"
 #include "testkit/waiting.h"
 #include "writecounter.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "settings.h"
 #include "propertyclasstest.h"
 #include "samplevalue.h"
-#include "settings.h"
 #include "textfile.h"
 
 #include <QFile>

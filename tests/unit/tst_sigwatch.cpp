@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "sigwatch.h"
 #include "logcapture.h"
 #include "metatable.h"
-#include "sigwatch.h"
 #include "sigwatch_p.h"
 
 #include <QFile>

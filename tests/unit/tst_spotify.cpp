@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "propertyclasstest.h"
 #include "spotify.h"
+
+#include "propertyclasstest.h"
 
 #include <QTest>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "sysfile.h"
 #include "logcapture.h"
 #include "metatable.h"
-#include "sysfile.h"
 #include "textfile.h"
 #include "writecounter.h"
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "systemdwatchdog.h"
+
 #include "logcapture.h"
 #include "messagehandler.h"
 #include "metatable.h"
 #include "testkit/services/notifysocket.h"
-#include "systemdwatchdog.h"
 
 #include <QDebug>
 #include <QDir>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "subject.h"
 
-#include "testkit/services/brokerclient.h"
 #include "testkit/pagenames.h"
-#include "topics.h"
+#include "testkit/services/brokerclient.h"
 #include "testkit/waiting.h"
+#include "topics.h"
 
 #include <QFile>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "testkit/machine/panelkind.h"
-#include "testkit/process/program.h"
 #include "scene.h"
 #include "step.h"
+#include "testkit/machine/panelkind.h"
+#include "testkit/process/program.h"
 
 class BrokerClient;
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "testkit/services/brokerclient.h"
-#include "testkit/machine/panelkind.h"
 #include "scene.h"
 #include "step.h"
+#include "testkit/machine/panelkind.h"
+#include "testkit/services/brokerclient.h"
 
 /** Tells whether a history has left a trace. */
 class Trial {
