@@ -4,8 +4,10 @@
 #include "testkit/services/brokerclient.h"
 #include "testkit/services/imageserver.h"
 
-/** A music server that has been found, and one zone of it that plays a track with cover art:
- * scenarios/openings/playing.json. */
+/**
+ * A music server that has been found, and one zone of it that plays a track with cover art:
+ * scenarios/openings/playing.json.
+ */
 class PlayingZone {
 public:
     /** The zone's display name. */

@@ -11,7 +11,8 @@
  */
 namespace CommandLine {
 
-/** The text to print for these arguments of main(), with its last newline; empty if there is none.
+/**
+ * The text to print for these arguments of main(), with its last newline; empty if there is none.
  */
 QString answer(int argc, const char *const *argv);
 

@@ -56,8 +56,8 @@ private:
     QImage fetchedImage(const QUrl &url, QSize *size);
     QNetworkReply *get(QNetworkAccessManager &manager, const QUrl &url);
 
-    std::mutex
-        m_lock; // guards the next three; the standard one, which the thread sanitizer sees through
+    // Guards the next three. The standard one, as the thread sanitizer sees through it.
+    std::mutex m_lock;
     QUrl m_lastUrl;
     std::unique_ptr<QImage> m_cachedImage;
     QVector<Wait *> m_waits;

@@ -134,8 +134,12 @@ public:
     void setVolumeSoftLimit(float value) { m_volumeSoftLimit = value; }
 
     // The three limits once more, but NaN until they are published: 0 would be a limit.
+
+    /** volumeHardLimitMin(), or NaN. */
     float knownHardLimitMin() const { return m_volumeHardLimitMin.value_or(qQNaN()); }
+    /** volumeHardLimitMax(), or NaN. */
     float knownHardLimitMax() const { return m_volumeHardLimitMax.value_or(qQNaN()); }
+    /** volumeSoftLimit(), or NaN. */
     float knownSoftLimit() const { return m_volumeSoftLimit.value_or(qQNaN()); }
 
     /** The smallest volume change, for example 0.5. */

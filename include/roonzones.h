@@ -73,7 +73,7 @@ private:
     Found lookUp(const QString &displayName) const;
     bool isAvailable(const QString &id) const;
 
-    QHash<QString, RoonZone *>
-        m_zones; // by id; the id under which a zone was added, whatever it is now
+    // By the id under which a zone was added, whatever its id is now.
+    QHash<QString, RoonZone *> m_zones;
     QHash<QString, QString> m_available; // display name to id
 };

@@ -108,8 +108,8 @@ void CoverArtLoader::load()
     m_waitingFor = provider;
     m_patience.start();
     emit waitingChanged();
-    const bool available
-        = provider->prefetch(id); // anything may happen in here, our own end included
+    // Anything may happen in here, our own end included.
+    const bool available = provider->prefetch(id);
     fetching = false;
     for (const QPointer<CoverArtLoader> &loader : qAsConst(waitingLoaders)) {
         if (loader)

@@ -12,6 +12,7 @@
 QString drawnFile(
     const QImage &page, const QRectF &area, const QStringList &files, double opacity = 1);
 
-/** Whether that area of a black page has nothing on it.  False for one that lies beside the page.
+/**
+ * Whether that area of a black page has nothing on it.  False for one that lies beside the page.
  */
 bool isBlank(const QImage &page, const QRectF &area);

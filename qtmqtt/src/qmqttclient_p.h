@@ -26,14 +26,17 @@ public:
     QMqttClient::ClientState state() const { return m_state; }
     QMqttClient::ClientError error() const { return m_error; }
 
-    /** Enters a state and tells: state first, then the event, then the error, as far as slots
-     * allow. */
+    /**
+     * Enters a state and tells: state first, then the event, then the error, as far as slots allow.
+     */
     void enter(
         QMqttClient::ClientState state, QMqttClient::ClientError error = QMqttClient::NoError);
     void setError(QMqttClient::ClientError error);
 
-    /** Changes one of the settings and tells; not while a connection exists, which has a copy of
-     * them. */
+    /**
+     * Changes one of the settings and tells; not while a connection exists, which has a copy of
+     * them.
+     */
     template <typename T> void set(T &setting, const T &value, void (QMqttClient::*changed)(T))
     {
         if (m_state != QMqttClient::Disconnected || setting == value)

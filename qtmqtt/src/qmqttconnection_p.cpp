@@ -266,7 +266,8 @@ bool QMqttConnection::requestPing()
     return true;
 }
 
-/** To be called between packets of the library's.  The kernel takes two bytes whole or not at all.
+/**
+ * To be called between packets of the library's.  The kernel takes two bytes whole or not at all.
  */
 void QMqttConnection::ping()
 {

@@ -36,8 +36,10 @@ struct mosquitto_message;
 class QMqttConnection : public QObject {
     Q_OBJECT
 public:
-    /** How many packets are read, and how many events are to be taken, before the event loop gets
-     * its turn again, so that a flood does not freeze the display. */
+    /**
+     * How many packets are read, and how many events are to be taken, before the event loop gets
+     * its turn again, so that a flood does not freeze the display.
+     */
     static constexpr int PacketsPerTurn = 512;
 
     struct Accepted {

@@ -33,8 +33,10 @@ QSet<int> inheritableSockets()
     return sockets;
 }
 
-/** Whether the library, for which a zero ends a text, would see all of it; and it fits into a
- * packet. */
+/**
+ * Whether the library, for which a zero ends a text, would see all of it; and it fits into a
+ * packet.
+ */
 bool isText(const QByteArray &text)
 {
     return text.size() <= LongestText && !text.contains('\0');

@@ -8,7 +8,8 @@
 
 class Program;
 
-/** A panel as it may be built into an appliance: what its screen measures, and how it is mounted.
+/**
+ * A panel as it may be built into an appliance: what its screen measures, and how it is mounted.
  */
 struct PanelKind {
     QString name;

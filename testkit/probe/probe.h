@@ -98,8 +98,10 @@ public:
      * with a message, when there is none.
      */
     QImage picture(const Target &item);
-    /** All that is shown, or only what is shown in the first item that matches; see
-     * SceneDescription. */
+    /**
+     * All that is shown, or only what is shown in the first item that matches; see
+     * SceneDescription.
+     */
     QJsonArray scene();
     QJsonArray scene(const Target &item);
     /** Puts the clock of the scene's animations and timers forward. */
@@ -114,7 +116,8 @@ public:
     /** The emissions counted since then. */
     int heard();
 
-    /** Begins to record when a property of the first item that matches is shown with which value.
+    /**
+     * Begins to record when a property of the first item that matches is shown with which value.
      */
     bool watch(const Target &item, const QString &property);
     /** When each value, as text, was first on the screen: the end of the frame that drew it. */

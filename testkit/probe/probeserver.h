@@ -27,24 +27,24 @@ class QTouchDevice;
  * - "count": how many live objects match "object".
  * - "set": writes "value" to "property" of the first live object that matches "object".
  * - "scene": describes all that is shown, or only "item" with all that is shown in it, see
- * SceneDescription.
+ *   SceneDescription.
  * - "grab": writes what the window shows, or what "item" looks like by itself, to "file", a path
- * ending in .png; answers width, height.
+ *   ending in .png; answers width, height.
  * - "pass": puts the clock of animations and QML timers forward by "milliseconds".
  * - "resize": asks for the window's size, "width" and "height", at the origin of the screen.
  * - "frames": the frames drawn since the last such request; 0 for the first.
  * - "listen": begins to count the emissions of the argumentless "signals" of the first live object
  *   that matches "object"; "heard" answers how many there have been since.
  * - "watch": begins to record when a value of "property" of the first item that matches "item" is
- * on the screen for the first time; "seen" answers an object of the values, as text, and their
- * times.
+ *   on the screen for the first time; "seen" answers an object of the values, as text, and their
+ *   times.
  * - "environment": the value of the variable "name", null when it is unset.
  * - "cursor": the shape of the override cursor as a Qt::CursorShape, null when there is none.
  *
  * "item" and "object" hold the description of a Selector.  Touches are delivered before the answer
- * is sent; it tells when their delivery began, as "touched".  Times are nanoseconds of
- * the monotonic clock that all processes share.  A request that arrives while the program waits in
- * a local event loop is answered from that loop.
+ * is sent; it tells when their delivery began, as "touched".  Times are nanoseconds of the
+ * monotonic clock that all processes share.  A request that arrives while the program waits in a
+ * local event loop is answered from that loop.
  */
 class ProbeServer : public QObject {
     Q_OBJECT

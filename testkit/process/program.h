@@ -24,7 +24,8 @@ public:
     explicit Program(QObject *parent = nullptr);
     ~Program() override;
 
-    /** To be called before start(), as are the next two: another program in the same surroundings.
+    /**
+     * To be called before start(), as are the next two: another program in the same surroundings.
      */
     void setExecutable(const QString &path) { m_executable = path; }
     void setEnvironment(const QString &name, const QString &value);
@@ -67,8 +68,9 @@ public:
      */
     bool isQuiet() const;
 
-    /** Prints the log from this position, where a test of several begins, when that test has
-     * failed. */
+    /**
+     * Prints the log from this position, where a test of several begins, when that test has failed.
+     */
     void printLogOnFailure(int from) const;
 
     /**

@@ -21,8 +21,7 @@ public:
     struct Message {
         QString topic;
         QByteArray payload;
-        bool retained; ///< delivered because it was kept by the broker, not because it was just
-                       ///< published
+        bool retained; ///< kept by the broker, and not published just now
         std::chrono::steady_clock::time_point arrival;
     };
 

@@ -150,7 +150,8 @@ bool TestDemo::start(Terminal &terminal, const QStringList &arguments)
         m_directory, m_environment);
 }
 
-/** Whether the icon is on view: the page may still be under construction when its cover has come.
+/**
+ * Whether the icon is on view: the page may still be under construction when its cover has come.
  */
 bool TestDemo::showsPlayPause()
 {

@@ -19,10 +19,13 @@ private slots:
     void theConnectionFailureDrawsNothing();
 
 private:
-    /** Frames drawn between now, when all is quiet, and the second ping from now: about five
-     * seconds. */
+    /**
+     * Frames drawn between now, when all is quiet, and the second ping from now: about five
+     * seconds.
+     */
     int framesInFiveSeconds();
-    /** Waits until what was begun has been drawn: a whole time between two pings without a frame.
+    /**
+     * Waits until what was begun has been drawn: a whole time between two pings without a frame.
      */
     bool comesToRest();
     bool waitForPing();

@@ -21,7 +21,8 @@ const LogPattern Announced = Line::info(QStringLiteral("Player::mqttConnected()"
 const LogPattern PingThread
     = Line::debug(QStringLiteral("SystemdWatchdog::WorkerThread::")).andMore();
 
-/** The broker's word on a message that it got from a client with this QoS, retain flag and length.
+/**
+ * The broker's word on a message that it got from a client with this QoS, retain flag and length.
  */
 QRegularExpression received(const QString &topic, int qos, bool retain, int length)
 {
@@ -58,7 +59,8 @@ bool staysAway(Program *program, Broker *broker)
 
 } // namespace
 
-/** The program and its broker: connection, what it says on its own, and what it makes of any input.
+/**
+ * The program and its broker: connection, what it says on its own, and what it makes of any input.
  */
 class TestMessaging : public QObject {
     Q_OBJECT

@@ -15,7 +15,8 @@ const QByteArray Toggle = R"({"command":"toggle_standby"})";
 
 using Environment = QList<QPair<QString, QString>>;
 
-/** What the display controller reports at the start, the values only: "DISPLAY2_5INCH", "true", ...
+/**
+ * What the display controller reports at the start, the values only: "DISPLAY2_5INCH", "true", ...
  */
 QStringList reported(const Program &program)
 {
@@ -45,8 +46,10 @@ QByteArray settings()
 
 Q_DECLARE_METATYPE(Environment)
 
-/** The display hardware: geometry from the environment, brightness and power to the panel, settings
- * on disk. */
+/**
+ * The display hardware: geometry from the environment, brightness and power to the panel, settings
+ * on disk.
+ */
 class TestPanel : public QObject {
     Q_OBJECT
 

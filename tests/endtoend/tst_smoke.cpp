@@ -8,8 +8,10 @@
 
 #include <QTest>
 
-/** The shortest way through everything: start, a message in, a touch, a message out, a picture,
- * stop. */
+/**
+ * The shortest way through everything: start, a message in, a touch, a message out, a picture,
+ * stop.
+ */
 class TestSmoke : public QObject {
     Q_OBJECT
 

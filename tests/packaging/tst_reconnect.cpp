@@ -23,7 +23,8 @@ const QByteArray Loss = "CRITICAL [mqtt.cpp(1)] Mqtt::error() TransportInvalid";
 const QByteArray Knock = QByteArray::fromHex("101d00044d51545404020000")
     + QByteArray::fromHex("0011") + "velunor-reconnect";
 
-/** A front end of which the service manager knows only what the test says; a restart connects it.
+/**
+ * A front end of which the service manager knows only what the test says; a restart connects it.
  */
 const QByteArray Systemctl = R"sh(
 case "$*" in

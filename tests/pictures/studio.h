@@ -19,8 +19,10 @@ class Studio {
 public:
     explicit Studio(const PanelKind &kind);
 
-    /** Starts everything; the welcome page is shown then.  False, with a message, when something
-     * does not start. */
+    /**
+     * Starts everything; the welcome page is shown then.  False, with a message, when something
+     * does not start.
+     */
     bool start();
 
     /** Has the simulated appliance do something, for example "play album=3"; see its --help. */
@@ -47,8 +49,9 @@ public:
     /** Waits until a text is shown. */
     bool waitForText(const QString &text);
 
-    /** What the panel shows once nothing moves any more, upright whichever way the panel is
-     * mounted. */
+    /**
+     * What the panel shows once nothing moves any more, upright whichever way the panel is mounted.
+     */
     QImage picture();
 
     /** Tells what the program has logged, for a run that went wrong. */

@@ -5,8 +5,10 @@
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 
-/** A mosquitto of the test's own on a free port of 127.0.0.1, without persistence; anybody may
- * connect. */
+/**
+ * A mosquitto of the test's own on a free port of 127.0.0.1, without persistence; anybody may
+ * connect.
+ */
 class MosquittoProcess {
 public:
     MosquittoProcess() = default;

@@ -14,7 +14,8 @@
  */
 class Resolver {
 public:
-    /** Lookups of @p name wait for release(), then give @p address; when that is empty, they fail.
+    /**
+     * Lookups of @p name wait for release(), then give @p address; when that is empty, they fail.
      */
     explicit Resolver(const QByteArray &name, const QByteArray &address = QByteArray());
     /** Releases, and forgets the name. */

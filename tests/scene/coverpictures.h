@@ -3,8 +3,10 @@
 
 #include <QQuickImageProvider>
 
-/** Stands in for the album art: the logo under its own key, a null picture under "broken", white to
- * three quarters of its width and black beyond under "edge", else a gradient per key. */
+/**
+ * Stands in for the album art: the logo under its own key, a null picture under "broken", white to
+ * three quarters of its width and black beyond under "edge", else a gradient per key.
+ */
 class CoverPictures : public QQuickImageProvider {
 public:
     CoverPictures();

@@ -20,8 +20,10 @@ public:
     /** The warnings and critical messages among them. */
     QStringList complaints() const;
     Q_INVOKABLE void clear() { m_all.clear(); }
-    /** Begins to listen; Qt Test replaces the handler at its own start, so each test program calls
-     * this itself. */
+    /**
+     * Begins to listen; Qt Test replaces the handler at its own start, so each test program calls
+     * this itself.
+     */
     Q_INVOKABLE void listen();
 
 private:

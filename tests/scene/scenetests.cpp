@@ -8,8 +8,10 @@
 #include <QtQuickTest>
 
 namespace {
-/** Two of the fakes are made here: QML itself cannot declare a property whose name begins with a
- * capital letter. */
+/**
+ * Two of the fakes are made here: QML itself cannot declare a property whose name begins with a
+ * capital letter.
+ */
 void registerFake(const char *module, const char *name, const QVariantMap &values)
 {
     auto *const fake = new QQmlPropertyMap(QCoreApplication::instance());

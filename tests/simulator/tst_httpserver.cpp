@@ -146,7 +146,8 @@ void TestHttpServer::send(const QList<QByteArray> &pieces)
     }
 }
 
-/** What has been sent is on the server's side of the loopback at once; it is accepted, then read.
+/**
+ * What has been sent is on the server's side of the loopback at once; it is accepted, then read.
  */
 void TestHttpServer::letServerRead()
 {

@@ -21,13 +21,13 @@ struct File {
 
 /** A file in every folder, each including what it may. */
 const QList<File> CleanTree {
-    { "include/player.h", "int a;\n" },
+    { "include/player.h", "/** One line. */\nint a;\n" },
     { "include/sigwatch.h", "int a;\n" },
     { "src/player.cpp", "#include \"player.h\"\n" },
     { "qtmqtt/include/QtMqtt/QMqttClient", "" },
     { "qtmqtt/src/client.cpp", "#include <QMqttClient>\n" },
     { "simulator/main.cpp", "#include \"sigwatch.h\"\n#include \"simulator/scenario/action.h\"\n" },
-    { "simulator/options.h", "int a;\n" },
+    { "simulator/options.h", "/**\n * Two\n * lines.\n */\nint a;\n" },
     { "simulator/http/server.h", "int a;\n" },
     { "simulator/house/library.h", "#include <QMqttClient>\n" },
     { "simulator/services/state.h", "#include \"simulator/house/library.h\"\n" },
@@ -181,6 +181,11 @@ void TestChecks::namesTheFault_data()
         "class TestHelper;\nclass TestTwoWords;\n", notItsOwn);
     style("helper called like a test", "tests/unit/fault.h", "class TestHelper;\n", notItsOwn);
     style("helper beside its test", "tests/unit/testhelper.cpp", "struct TestHelper;\n", notItsOwn);
+
+    const char *const comment = ":3: a comment of several lines begins below its /**";
+    style("end of a comment by itself", "src/player.cpp", "/** One line.\n */\n", comment);
+    style("comment that goes on", "include/player.h", "/** Two\n * lines. */\n", comment);
+    style("comment of the scene", "qml/main.qml", "    /** Two\n     *  lines. */\n", comment);
 
     const char *const colour = ":3: a colour or font family belongs into Theme.qml";
     for (const char *text :

@@ -57,6 +57,8 @@ private:
     QtMessageHandler m_former;
 };
 
-/** The labelled line that every constructor of the class @p className logs when it runs in this
- * thread. */
+/**
+ * The labelled line that every constructor of the class @p className logs when it runs in this
+ * thread.
+ */
 QString constructorLine(const QString &className);

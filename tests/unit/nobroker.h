@@ -5,8 +5,10 @@
 
 #include <QTest>
 
-/** Where there is no broker: waits until the attempt to connect has failed, so that its lines in
- * the log are over before the first test. */
+/**
+ * Where there is no broker: waits until the attempt to connect has failed, so that its lines in the
+ * log are over before the first test.
+ */
 inline void waitForTheFailureOf(const Mqtt *mqtt)
 {
     const auto *const client = mqtt->findChild<QMqttClient *>();

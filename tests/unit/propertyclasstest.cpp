@@ -20,8 +20,10 @@ bool isSame(const QVariant &one, const QVariant &other)
     return one.userType() == other.userType() && one == other;
 }
 
-/** What is written, one after the other: the value that is there, each other value twice, and the
- * way back. */
+/**
+ * What is written, one after the other: the value that is there, each other value twice, and the
+ * way back.
+ */
 QVariantList stepsOf(const PropertyRow &row)
 {
     QVariantList values = row.values();

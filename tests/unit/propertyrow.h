@@ -15,8 +15,9 @@
  */
 class PropertyRow {
 public:
-    /** Without @p start, what a fresh object holds depends on its surroundings and is not looked
-     * at. */
+    /**
+     * Without @p start, what a fresh object holds depends on its surroundings and is not looked at.
+     */
     PropertyRow(const char *entry, const QVariant &start = QVariant());
 
     /** Every write notifies, also one of the value that is there already. */

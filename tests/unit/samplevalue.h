@@ -4,8 +4,10 @@
 #include <QString>
 #include <QVariant>
 
-/** A value of the same type that differs from @p current: true for false, false for true, a number
- * one and a half above, an accented text. */
+/**
+ * A value of the same type that differs from @p current: true for false, false for true, a number
+ * one and a half above, an accented text.
+ */
 inline QVariant sampleValue(const QVariant &current)
 {
     switch (static_cast<QMetaType::Type>(current.userType())) {

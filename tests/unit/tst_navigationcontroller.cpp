@@ -287,8 +287,10 @@ void TestNavigationController::makeNavigation(int screen)
     m_log->clear();
 }
 
-/** The current screen: going to a screen that does not exist changes nothing, but names it in the
- * log. */
+/**
+ * The current screen: going to a screen that does not exist changes nothing, but names it in the
+ * log.
+ */
 int TestNavigationController::screen()
 {
     LogCapture log;

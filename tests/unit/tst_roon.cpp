@@ -205,8 +205,10 @@ void TestRoon::addressIsLookedUpOnEveryRead()
 
 namespace {
 
-/** Reads the address, once more after the shell command @p later if there is one, and prints what
- * came. */
+/**
+ * Reads the address, once more after the shell command @p later if there is one, and prints what
+ * came.
+ */
 int printAddress(const QString &later)
 {
     LogCapture log;

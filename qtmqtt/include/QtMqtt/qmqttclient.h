@@ -75,24 +75,30 @@ public:
     };
     Q_ENUM(ClientState)
 
-    /** 1 to 5 are the broker's refusals; a refusal with another number is passed on as that number.
+    /**
+     * 1 to 5 are the broker's refusals; a refusal with another number is passed on as that number.
      */
     enum ClientError {
+        /** All is well, as far as is known. */
         NoError = 0,
         /** The broker does not speak protocolVersion(). */
         InvalidProtocolVersion = 1,
-        /** Also when the client id cannot be sent, or there is none for a session that is to be
-         * remembered. */
+        /**
+         * Also when the client id cannot be sent, or there is none for a session that is to be
+         * remembered.
+         */
         IdRejected = 2,
         /** Also when the broker did not answer for the keep-alive time. */
         ServerUnavailable = 3,
         /** Also when they cannot be sent, or there is a password without a user. */
         BadUsernameOrPassword = 4,
+        /** The broker does not let this client in. */
         NotAuthorized = 5,
         /** The network connection could not be made, or was lost. */
         TransportInvalid = 256,
-        /** What came was not MQTT, or not what the broker may send then; or the will cannot be
-         * sent. */
+        /**
+         * What came was not MQTT, or not what the broker may send then; or the will cannot be sent.
+         */
         ProtocolViolation,
         /** Never reported. */
         UnknownError,
@@ -154,19 +160,25 @@ public:
     qint32 publish(const QMqttTopicName &topic, const QMqttPublishProperties &properties,
         const QByteArray &message = QByteArray(), quint8 qos = 0, bool retain = false);
 
-    /** Sends a ping, after what is being sent.  False, and nothing is sent, unless Connected, and
-     * while autoKeepAlive() does it. */
+    /**
+     * Sends a ping, after what is being sent.  False, and nothing is sent, unless Connected, and
+     * while autoKeepAlive() does it.
+     */
     bool requestPing();
 
-    /** Name or address of the broker.  A name may have several addresses; they are tried in order,
-     * until one of them answers as a broker does. */
+    /**
+     * Name or address of the broker.  A name may have several addresses; they are tried in order,
+     * until one of them answers as a broker does.
+     */
     QString hostname() const;
     /** 1 to 65535; 0 until set. */
     quint16 port() const;
     /** 23 random hexadecimal digits until set.  Empty: the broker makes one up. */
     QString clientId() const;
-    /** Seconds of silence after which a ping is sent, 60 until set; 0: never.  1 to 4 have the
-     * effect of 5. */
+    /**
+     * Seconds of silence after which a ping is sent, 60 until set; 0: never.  1 to 4 have the
+     * effect of 5.
+     */
     quint16 keepAlive() const;
     /** MQTT_3_1_1 until set; MQTT_3_1 is the only other one that it can be set to. */
     ProtocolVersion protocolVersion() const;
@@ -178,11 +190,15 @@ public:
     QString username() const;
     /** Empty, as it is until set: none.  Goes over the wire as it is, and with a user name only. */
     QString password() const;
-    /** True, as it is until set: the broker forgets this client when the connection ends.  False:
-     * it keeps subscriptions and messages for it, which needs a client id that stays the same. */
+    /**
+     * True, as it is until set: the broker forgets this client when the connection ends.  False: it
+     * keeps subscriptions and messages for it, which needs a client id that stays the same.
+     */
     bool cleanSession() const;
-    /** The topic of the message the broker publishes should this client vanish; empty, as it is
-     * until set: no message. */
+    /**
+     * The topic of the message the broker publishes should this client vanish; empty, as it is
+     * until set: no message.
+     */
     QString willTopic() const;
     /** That message, of 65535 bytes at most; empty until set. */
     QByteArray willMessage() const;
@@ -190,8 +206,10 @@ public:
     quint8 willQoS() const;
     /** Whether the broker keeps it for later subscribers; false until set. */
     bool willRetain() const;
-    /** Whether pings are sent by themselves; true until set.  Without them the broker ends a silent
-     * connection, and nobody notices a broker that has fallen silent. */
+    /**
+     * Whether pings are sent by themselves; true until set.  Without them the broker ends a silent
+     * connection, and nobody notices a broker that has fallen silent.
+     */
     bool autoKeepAlive() const;
 
     /**
@@ -228,17 +246,25 @@ public:
 Q_SIGNALS:
     /** The broker has accepted; after stateChanged(Connected). */
     void connected();
-    /** A connection has ended, or an attempt to make one has failed; after
-     * stateChanged(Disconnected).  Not when the client is deleted. */
+    /**
+     * A connection has ended, or an attempt to make one has failed; after
+     * stateChanged(Disconnected).  Not when the client is deleted.
+     */
     void disconnected();
-    /** A message came; exactly once for each, whatever number of subscriptions it matches, and also
-     * if there is none. */
+    /**
+     * A message came; exactly once for each, whatever number of subscriptions it matches, and also
+     * if there is none.
+     */
     void messageReceived(const QByteArray &message, const QMqttTopicName &topic = QMqttTopicName());
-    /** The broker has confirmed the message that publish() gave this id.  Never for a message at
-     * quality of service 0, nor for one that was lost with its connection. */
+    /**
+     * The broker has confirmed the message that publish() gave this id.  Never for a message at
+     * quality of service 0, nor for one that was lost with its connection.
+     */
     void messageSent(int id);
-    /** The broker has confirmed that message: Acknowledged at quality of service 1, Completed at 2,
-     * and no other status.  Emitted before messageSent(). */
+    /**
+     * The broker has confirmed that message: Acknowledged at quality of service 1, Completed at 2,
+     * and no other status.  Emitted before messageSent().
+     */
     void messageStatusChanged(
         qint32 id, QMqtt::MessageStatus s, const QMqttMessageStatusProperties &properties);
     /** The broker has answered a ping, requested or not. */
@@ -255,8 +281,10 @@ Q_SIGNALS:
     void protocolVersionChanged(ProtocolVersion protocolVersion);
     /** Emitted for each change, and before the signal that tells of the same event. */
     void stateChanged(ClientState state);
-    /** An error, after the signals of the state that it led to.  Not emitted when connecting starts
-     * and error() goes back to NoError. */
+    /**
+     * An error, after the signals of the state that it led to.  Not emitted when connecting starts
+     * and error() goes back to NoError.
+     */
     void errorChanged(ClientError error);
     void usernameChanged(QString username);
     void passwordChanged(QString password);
@@ -273,7 +301,8 @@ public Q_SLOTS:
     void setClientId(const QString &clientId);
     void setKeepAlive(quint16 keepAlive);
     void setProtocolVersion(ProtocolVersion protocolVersion);
-    /** For tests of an application: emits what a real change would emit, and changes no connection.
+    /**
+     * For tests of an application: emits what a real change would emit, and changes no connection.
      */
     void setState(ClientState state);
     /** For tests of an application: sets error() and emits errorChanged(). */

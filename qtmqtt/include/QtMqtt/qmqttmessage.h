@@ -22,8 +22,10 @@ public:
     quint16 id() const { return m_id; }
     /** True if the broker had kept the message and sent it because of a new subscription. */
     bool retain() const { return m_retain; }
-    /** True if the broker marked this as a repeated delivery; never at quality of service 2, where
-     * the repeated ones are left out. */
+    /**
+     * True if the broker marked this as a repeated delivery; never at quality of service 2, where
+     * the repeated ones are left out.
+     */
     bool duplicate() const { return m_duplicate; }
 
     /** Equal in all that the functions above tell. */

@@ -43,14 +43,20 @@ public:
     quint8 qos() const { return m_qos; }
 
 Q_SIGNALS:
-    /** Emitted for each change: inside unsubscribe() and disconnectFromHost(), otherwise from the
-     * event loop.  Not for the first state. */
+    /**
+     * Emitted for each change: inside unsubscribe() and disconnectFromHost(), otherwise from the
+     * event loop.  Not for the first state.
+     */
     void stateChanged(SubscriptionState state);
-    /** The broker has granted another quality of service than was asked for; before
-     * stateChanged(Subscribed). */
+    /**
+     * The broker has granted another quality of service than was asked for; before
+     * stateChanged(Subscribed).
+     */
     void qosChanged(quint8 qos);
-    /** A message matching topic() came while Subscribed or pending; emitted after the client's own
-     * signal. */
+    /**
+     * A message matching topic() came while Subscribed or pending; emitted after the client's own
+     * signal.
+     */
     void messageReceived(QMqttMessage message);
 
 public Q_SLOTS:

@@ -32,8 +32,10 @@ public:
     QString name() const { return m_name; }
     void setName(const QString &name) { m_name = name; }
 
-    /** True for 1 to 65535 characters without "#", "+" and U+0000.  A broker may take less:
-     * mosquitto ends the connection at more than 200 slashes. */
+    /**
+     * True for 1 to 65535 characters without "#", "+" and U+0000.  A broker may take less:
+     * mosquitto ends the connection at more than 200 slashes.
+     */
     bool isValid() const;
 
     /** Number of levels, empty ones included; 0 for the empty name. */
