@@ -79,10 +79,10 @@ QString Disturbance::noiseTopic()
         Topics::settings("touchscreen_scrolling"),
         Topics::settings("unheard_of"),
         Topics::command(),
-        QStringLiteral("Velunor/Controller/remote_control/v4/roon/Zones/nobody"),
+        Topics::zone(QStringLiteral("nobody"), "").chopped(1),
         Topics::zone(QString(), "state"),
         Topics::zone(QStringLiteral("ghost"), "state"),
-        QStringLiteral("Velunor/State/v1"),
+        Topics::state("").chopped(1),
     };
     static const QVector<QByteArray> keys { "name", "state", "outputs", "nowPlaying/song",
         "nowPlaying/length", "nowPlaying/seekPosition", "nowPlaying", "nowPlaying/",
