@@ -121,7 +121,7 @@ Item {
             compare(placeOf(page).x, 800);
             tryVerify(function() { return placeOf(page).x === 0; });
             steps.target = null;
-            // It takes 600 ms and slows down with the third power: so long after the begin it is at such a place.
+            // It takes 600 ms and slows down with the third power: the place tells how long ago it began.
             const begins = steps.places.filter(function(step) { return step.x < 790 && step.x > 10; })
                                        .map(function(step) { return step.time - 600 * (1 - Math.cbrt(step.x / 800)); });
             verify(begins.length > 3);

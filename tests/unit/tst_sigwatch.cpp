@@ -306,8 +306,8 @@ void TestSigwatch::twoWatchersShareTheSignals()
     second.watchForSignal(SIGINT);
     QCOMPARE(::raise(SIGINT), 0);
     QTRY_COMPARE(caughtByFirst.count() + caughtBySecond.count(), 1);
-    QCoreApplication::processEvents(); // whoever comes second finds nothing, and must not wait for
-                                       // it
+    // Whoever comes second finds nothing, and must not wait for it.
+    QCoreApplication::processEvents();
     QCOMPARE(caughtByFirst.count() + caughtBySecond.count(), 1);
 }
 
