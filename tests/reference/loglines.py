@@ -16,11 +16,12 @@ def tokens(code):
     return [token for token in TOKEN.findall(code) if not token.startswith(("//", "/*"))]
 
 
-def template(operands):
+def template(operands, separator=""):
     """The text of a line; what is not fixed is "…"."""
     text = ""
     for operand in operands:
         operand = operand.strip()
+        text += separator if text else ""
         # Strings one after the other are one string.
         if re.fullmatch(rf"(?:{STRING}\s*)+|'.'", operand):
             pieces = re.findall(STRING, operand) or [operand]
@@ -51,11 +52,12 @@ def of_cpp(code):
     found = tokens(code)
     # A line that is at this level only sometimes counts as one of this level.
     text = re.sub(r"\([^()]*\?\s*(qInfo|qWarning|qCritical)\(\)\s*:\s*qDebug\(\)\)", r"\1()", "".join(found))
-    for call in re.finditer(r"\b(qInfo|qWarning|qCritical|qFatal)\(\)", text):
+    for call in re.finditer(r"\b(?:(qInfo|qWarning|qCritical|qFatal)\(|q(?:C(Info|Warning|Critical))\(\w+)\)", text):
         operands = split(tokens(text[call.end():]), ["<<"], ";")
-        yield LEVELS[call[1]], template(operands[1:])
-    # With a format, or a category, a line would escape this.
-    for call in re.finditer(r"\b(?:qInfo|qWarning|qCritical|qFatal|qC(?:Info|Warning|Critical))\((?!\))", text):
+        # Only a stream that is told otherwise sets a blank between two operands.
+        yield LEVELS[call[1] or f"q{call[2]}"], template(operands[1:], "" if "nospace()" in operands[0] else " ")
+    # With a format a line would escape this.
+    for call in re.finditer(r"\b(?:(?:qInfo|qWarning|qCritical|qFatal)\((?!\))|qC(?:Info|Warning|Critical)\((?!\w+\)))", text):
         raise ValueError(f"{call[0]}...: only the stream form is understood")
 
 
@@ -68,7 +70,8 @@ def of_qml(code):
 
 def of_sources(checkout):
     lines = set()
-    for path in sorted((checkout / "src").glob("*.cpp")) + sorted((checkout / "include").glob("*.h")):
+    for path in (path for folder in ("src", "include", "qtmqtt") for path in sorted((checkout / folder).rglob("*"))
+                 if path.suffix in (".cpp", ".h")):
         lines.update(of_cpp(path.read_text(encoding="utf-8")))
     for path in sorted((checkout / "qml").rglob("*.qml")) + sorted((checkout / "qml").rglob("*.js")):
         lines.update(of_qml(path.read_text(encoding="utf-8")))
