@@ -28,7 +28,8 @@ QByteArray odd(const QString &message)
 /** What the page of a zone that plays, and its dialog, begin with before each row. */
 Messages beginning()
 {
-    return { { "zoneName", "Kitchen" }, { "zoneState", "playing" },
+    return { { "availableZones", R"([{"id":"z1","name":"Kitchen"}])" }, { "zoneOutputs", "[]" },
+        { "zoneName", "Kitchen" }, { "zoneState", "playing" },
         { "zoneNowPlayingSeekPosition", "1" }, { "zoneNowPlayingLength", "2" },
         { "zoneNowPlayingAlbum", "A" }, { "zoneNowPlayingSong", "S" },
         { "zoneNowPlayingArtist", "B" }, { "zoneNowPlayingImageKey", "red" },
@@ -41,8 +42,12 @@ Messages beginning()
         { "zoneVolumeStep", "1" }, { "zoneVolumeValue", "20" }, { "zoneVolumeAvailable", "true" },
         { "settingClockcolor", "custom" }, { "settingCustomClockcolor", "#ff0000" },
         { "settingHideOptionButtons", "false" }, { "settingShowBlurImage", "true" },
+        { "settingScrolling", "true" }, { "settingClock24", "true" },
         { "stateUpdateAvailable", "false" } };
 }
+
+/** A title that does not fit. */
+const QByteArray LongTitle(100, 'm');
 
 /** What a row needs to begin with besides. */
 Messages exception(const QString &message)
@@ -51,6 +56,11 @@ Messages exception(const QString &message)
         return { { "zoneIsPauseAllowed", "false" } };
     if (message == "zoneVolumeAvailable")
         return { { "zoneVolumeAvailable", "false" } };
+    if (message == "settingScrolling")
+        return { { "zoneNowPlayingSong", LongTitle } };
+    if (message == "zoneName") // found by the list, whatever it calls itself
+        return { { "availableZones", R"([{"id":"z1","name":"Kitchen + Attic"}])" },
+            { "zoneName", "Kitchen + Attic" } };
     return {};
 }
 
@@ -68,7 +78,11 @@ private slots:
     void itIsSeenOnItsPages_data();
     void itIsSeenOnItsPages();
 
+    void theOutputsBringThePage();
+
     void oddFlagsAndNumbers();
+    void anOddScrolling();
+    void theClockFollowsItsFormat();
     void oddTexts();
     void anOddState();
     void anOddName();
@@ -174,10 +188,10 @@ void TestOnView::itIsSeenOnItsPages_data()
     // Where these lead is seen by tst_messages and the tests below.
     const QSet<QString> elsewhere { "connection failure", "zone not found", "screen saver",
         "update", "zones" };
-    // For these a text has to scroll, or the zone to be found by other means.
-    const QStringList others { "settingScrolling", "zoneName", "zoneOutputs", "settingClock24" };
     for (const MqttReference::Entry &each : MqttReference::instance().entries()) {
-        if (!each.received || others.contains(each.message)
+        // The outputs bring the page itself, see theOutputsBringThePage(), and the clock follows
+        // with its next second, see theClockFollowsItsFormat().
+        if (!each.received || each.message == "zoneOutputs" || each.message == "settingClock24"
             || elsewhere.intersects({ each.pages.begin(), each.pages.end() }))
             continue;
         if (each.pages.isEmpty())
@@ -206,6 +220,19 @@ void TestOnView::itIsSeenOnItsPages()
     QCOMPARE(m_appliance->program.probe().shows("volumeDown"), page == "volume");
 }
 
+/** Only the outputs tell that the zone plays in that group. */
+void TestOnView::theOutputsBringThePage()
+{
+    QCOMPARE(entry("zoneOutputs").pages, QStringList("player"));
+    QVERIFY(publish({ { "availableZones", R"([{"id":"z1","name":"Attic + Kitchen"}])" },
+        { "coreCoreDetected", "true" } }));
+    QVERIFY(m_appliance->waitForPage(PageNames::NotFound));
+    QVERIFY(publish({ { "zoneOutputs", entry("zoneOutputs").sent.first() } }));
+    QVERIFY(m_appliance->waitForPage(PageNames::Player));
+    QVERIFY(publish({ { "zoneOutputs", odd("zoneOutputs") }, { "coreCoreDetected", "true" } }));
+    QVERIFY(m_appliance->waitForPage(PageNames::NotFound));
+}
+
 void TestOnView::oddFlagsAndNumbers()
 {
     Probe &probe = m_appliance->program.probe();
@@ -220,6 +247,35 @@ void TestOnView::oddFlagsAndNumbers()
         { "zoneVolumeValue", odd("zoneVolumeValue") } }));
     QTRY_COMPARE_WITH_TIMEOUT(probe.shown(Probe::Target::text("0:00")), 2, PatienceMs);
     QTRY_VERIFY_WITH_TIMEOUT(probe.shows(Probe::Target::text("0").inside("volumeBox")), PatienceMs);
+}
+
+void TestOnView::anOddScrolling()
+{
+    QVERIFY(publish({ { "zoneNowPlayingSong", LongTitle } }));
+    const QJsonArray scrolling = calmScene();
+    QVERIFY(publish({ { "settingScrolling", "false" } }));
+    const QByteArray cut = LongTitle.left(38);
+    Probe &probe = m_appliance->program.probe();
+    const auto shown = [&probe] {
+        return probe.property(Probe::Target("label").inside("songTitle"), "text").toString();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(shown().startsWith(cut) && shown().size() < 45, PatienceMs);
+    QVERIFY(calmScene() != scrolling);
+    QVERIFY(publish({ { "settingScrolling", odd("settingScrolling") } }));
+    QTRY_COMPARE_WITH_TIMEOUT(calmScene(), scrolling, PatienceMs);
+}
+
+void TestOnView::theClockFollowsItsFormat()
+{
+    Probe &probe = m_appliance->program.probe();
+    const Probe::Target marker = Probe::Target("text").inside("marker");
+    QCOMPARE(entry("settingClock24").pages, QStringList("clock"));
+    QVERIFY(showPage("clock"));
+    QVERIFY(!probe.shows(marker));
+    QVERIFY(publish({ { "settingClock24", entry("settingClock24").sent.first() } }));
+    QTRY_VERIFY_WITH_TIMEOUT(probe.shows(marker), PatienceMs);
+    QVERIFY(publish({ { "settingClock24", odd("settingClock24") } }));
+    QTRY_VERIFY_WITH_TIMEOUT(!probe.shows(marker), PatienceMs);
 }
 
 void TestOnView::oddTexts()
