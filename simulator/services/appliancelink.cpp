@@ -17,6 +17,7 @@ ApplianceLink::ApplianceLink(quint16 brokerPort, QObject *parent)
 {
     m_client.setHostname(QStringLiteral("127.0.0.1"));
     m_client.setPort(brokerPort);
+    m_client.setClientId(idPrefix() + m_client.clientId()); // which is a random one
     m_client.setAutoKeepAlive(true);
     m_retry.setSingleShot(true);
     m_retry.setInterval(RetryMs);

@@ -20,6 +20,9 @@ class ApplianceLink : public QObject {
 public:
     explicit ApplianceLink(quint16 brokerPort, QObject *parent = nullptr);
 
+    /** What its client id begins with, by which the broker's log tells it from the display. */
+    static QString idPrefix() { return QStringLiteral("simulator-"); }
+
     void connectToBroker();
     /** Says goodbye after everything that was published has left. */
     void disconnectFromBroker();

@@ -14,6 +14,7 @@ BrokerClient::BrokerClient(QObject *parent)
 {
     m_client.setHostname(QStringLiteral("127.0.0.1"));
     m_client.setPort(1883);
+    m_client.setClientId(idPrefix() + m_client.clientId()); // which is a random one
     connect(&m_client, &QMqttClient::messageSent, this, [this] { --m_unconfirmed; });
 }
 

@@ -27,6 +27,9 @@ public:
 
     explicit BrokerClient(QObject *parent = nullptr);
 
+    /** What client ids begin with, by which the broker's log tells a test from the program. */
+    static QString idPrefix() { return QStringLiteral("test-"); }
+
     /** To be called before connecting: the address of another broker than the appliance's. */
     void setAddress(const QString &address) { m_client.setHostname(address); }
 
