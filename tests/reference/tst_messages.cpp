@@ -5,6 +5,7 @@
 #include "testkit/waiting.h"
 
 #include <QJsonDocument>
+#include <QMqttClient>
 #include <QRegularExpression>
 #include <QSet>
 
@@ -34,10 +35,13 @@ private slots:
     void cleanupTestCase();
 
     void theListOfZones();
+    void anEmptyMessageIsAMessage();
+    void aPointMakesNoWholeNumber();
     void theOutputsOfAZone();
     void theConnectedFlagIsIgnored();
     void whatIsNotListedChangesNothing();
     void standby();
+    void aRetainedCommandIsNotObeyed();
     void commandsAreSentAsDescribed();
     void reportsAreSentAsDescribed();
 
@@ -145,9 +149,63 @@ void TestMessages::theListOfZones()
         described.prepend(zone["name"]); // sorted by name, which is the reverse here
     QCOMPARE(names(), QJsonValue(described));
 
+    // The list changes no page, nor does a message of a zone that is not found.
     appliance.publishZones(entry.oddPayload);
-    appliance.publishCore("coreDetected", "true"); // the page looks for its zone at the next news
+    appliance.publishZone("nowPlaying/song", "Somewhere Else");
+    QVERIFY(appliance.handled());
+    QVERIFY(appliance.waitForPage(PageNames::Player));
+    appliance.publishCore("coreDetected", "true");
     QVERIFY(appliance.waitForPage(PageNames::NotFound));
+
+    // It is found again with the next message of any zone, as a part of a group's name as well.
+    appliance.publishZones(R"([{"id":"g1","name":"Attic + Kitchen + Hall"}])");
+    QVERIFY(appliance.handled());
+    QVERIFY(appliance.waitForPage(PageNames::NotFound));
+    appliance.services.publish(
+        QString(reference().entry("zoneName").topicOf("g1")), "Attic + Kitchen + Hall", true);
+    QVERIFY(appliance.waitForPage(PageNames::Player));
+}
+
+/** Whoever takes back a retained message sends an empty one, which is one like any other. */
+void TestMessages::anEmptyMessageIsAMessage()
+{
+    Appliance appliance;
+    QVERIFY(appliance.start());
+    const auto zone = [&](const char *property) {
+        return appliance.program.probe().objectProperty(Probe::Target::type("RoonZone"), property);
+    };
+    appliance.publishZone("queue_items_remaining", "9");
+    appliance.publishZone("nowPlaying/song", "Open Window");
+    QVERIFY(appliance.handled());
+    QCOMPARE(zone("queue_items_remaining"), QJsonValue(9));
+    for (const char *const key : { "queue_items_remaining", "nowPlaying/song", "is_play_allowed" })
+        appliance.publishZone(key, "");
+    QVERIFY(appliance.handled());
+    QCOMPARE(zone("queue_items_remaining"), QJsonValue(0));
+    QCOMPARE(zone("nowPlaying_song"), QJsonValue(""));
+    QCOMPARE(zone("is_play_allowed"), QJsonValue(false));
+    // A zone that had gone is known again by one.
+    appliance.publishZones("[]");
+    QVERIFY(appliance.handled());
+    QCOMPARE(appliance.program.probe().alive(Probe::Target::type("RoonZone")), 0);
+    appliance.publishZone("name", "");
+    QVERIFY(appliance.handled());
+    QCOMPARE(appliance.program.probe().alive(Probe::Target::type("RoonZone")), 1);
+}
+
+/** How whole numbers have to be written. */
+void TestMessages::aPointMakesNoWholeNumber()
+{
+    Appliance appliance;
+    QVERIFY(appliance.start());
+    for (const auto &[payload, value] : std::initializer_list<std::pair<const char *, int>> {
+             { "62", 62 }, { "62.5", 0 }, { "6", 6 }, { "6e1", 0 } }) {
+        appliance.publishZone("nowPlaying/seekPosition", payload);
+        QVERIFY(appliance.handled());
+        QCOMPARE(appliance.program.probe().objectProperty(
+                     Probe::Target::type("RoonZone"), "nowPlaying_seekPosition"),
+            QJsonValue(value));
+    }
 }
 
 void TestMessages::theOutputsOfAZone()
@@ -240,6 +298,24 @@ void TestMessages::standby()
     }
 }
 
+/** What comes with the connection finds the welcome page. */
+void TestMessages::aRetainedCommandIsNotObeyed()
+{
+    Appliance appliance;
+    appliance.broker.allowUndocumented();
+    QVERIFY(appliance.startServices());
+    const MqttReference::Entry &entry = reference().entry("toggleStandby");
+    appliance.services.publish(entry.topic, entry.sent.first(), true);
+    QVERIFY(appliance.services.flush());
+    QVERIFY(appliance.program.startAndWait());
+    QVERIFY(appliance.program.waitForLine(
+        Line::info("Mqtt::processMessageApi() received 'toggle_standby' command")));
+    QVERIFY(appliance.skipWelcome());
+    QVERIFY(appliance.waitForPage(PageNames::Player));
+    QCOMPARE(appliance.program.count(Line::debug("NavigationController::blankScreen()")), 0);
+    QCOMPARE(appliance.panel.power(), QByteArray("0"));
+}
+
 void TestMessages::commandsAreSentAsDescribed()
 {
     Appliance appliance;
@@ -307,7 +383,7 @@ void TestMessages::theBrokerObjectsToWhatIsNotDescribed()
 {
     const QString state = "Velunor/State/v1/";
     Broker broker;
-    broker.allowUndocumented();
+    broker.allowUndocumented(Broker::Everybody);
     QVERIFY(broker.start());
     BrokerClient services;
     QVERIFY(services.connectToBroker());
@@ -332,6 +408,18 @@ void TestMessages::theBrokerObjectsToWhatIsNotDescribed()
             reference().entry("zoneName").topicOf("z1/2") + " is not documented",
             reference().entry("displayIdle").topic
                 + " is documented as QoS 1, not retained, and was published as QoS 1, retained" }));
+
+    // A test of odd messages may publish such, but the program may not.
+    QCOMPARE(broker.objections(Broker::Services), QStringList());
+    QMqttClient program;
+    program.setHostname("127.0.0.1");
+    program.setPort(1883);
+    program.connectToHost();
+    QTRY_COMPARE_WITH_TIMEOUT(program.state(), QMqttClient::Connected, PatienceMs);
+    program.publish(QString("Velunor/touch_ui/v3/Display/mood"), "good", 1);
+    QVERIFY(services.waitFor("Velunor/touch_ui/v3/Display/mood", "good"));
+    QCOMPARE(broker.objections(Broker::Services),
+        QStringList("Velunor/touch_ui/v3/Display/mood is not documented"));
 }
 
 QTEST_GUILESS_MAIN(TestMessages)
