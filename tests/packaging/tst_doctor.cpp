@@ -35,6 +35,7 @@ private slots:
     void aHealthyMachine();
     void findsWhatIsWrong_data();
     void findsWhatIsWrong();
+    void ofSeveralBacklightsItTellsTheOneThatIsDriven();
     void triesAsTheServicesUser();
     void anOrdinaryUserIsNotTakenForTheService();
     void theJournalGivesTheTerminalNoOrders();
@@ -271,6 +272,26 @@ void TestDoctor::findsWhatIsWrong()
     QVERIFY(QString(QLatin1Char('\n') + m_said).contains(QLatin1Char('\n') + row));
     // One fault has one row, and nothing else is touched by it.
     QCOMPARE(m_said.count(QStringLiteral("NO ")), status);
+}
+
+void TestDoctor::ofSeveralBacklightsItTellsTheOneThatIsDriven()
+{
+    // The program takes the first in the order of the folder, which is hardly ever that of the
+    // names.
+    const QDir folder(m_tools->path(QStringLiteral("machine/sys/class/backlight")));
+    const auto first = [&folder](QDir::SortFlags order) {
+        return folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot, order).value(0);
+    };
+    for (int i = 1; first(QDir::Unsorted) == first(QDir::Name); ++i) {
+        QVERIFY(i < 100);
+        const QByteArray panel = "sys/class/backlight/panel" + QByteArray::number(i);
+        machine(panel + "/brightness", QByteArray::number(i));
+        machine(panel + "/bl_power", "0\n");
+    }
+    QCOMPARE(run(), 0);
+    QVERIFY2(m_said.contains(QStringLiteral("ok  backlight    /sys/class/backlight/")
+                 + first(QDir::Unsorted) + QLatin1Char(',')),
+        qPrintable(m_said));
 }
 
 void TestDoctor::triesAsTheServicesUser()
