@@ -175,7 +175,7 @@ QString Action::words() const
             : it.value().isString()         ? it.value().toString()
                                             : jsonText(it.value());
         word.replace(QLatin1Char('"'), QStringLiteral("\"\"\""));
-        if (word.contains(QLatin1Char(' ')))
+        if (std::any_of(word.cbegin(), word.cend(), [](QChar letter) { return letter.isSpace(); }))
             word = QLatin1Char('"') + word + QLatin1Char('"');
         line += QLatin1Char(' ') + it.key() + QLatin1Char('=') + word;
     }

@@ -52,6 +52,7 @@ void TestAction::wordsAndJsonMeanTheSame_data()
         R"({"action":"rename","zone":"Living Room","name":"A = B"})");
     row("rename name=\"the \"\"\"big\"\"\" one\"",
         R"({"action":"rename","name":"the \"big\" one"})");
+    row("rename name=\"a\tb\"", R"({"action":"rename","name":"a\tb"})");
     row("rename name=", R"({"action":"rename","name":""})");
     row("group zones=,\"Living Room\"", R"({"action":"group","zones":["","Living Room"]})");
     row("group zones=Kitchen,Bath", R"({"action":"group","zones":["Kitchen","Bath"]})");
