@@ -31,12 +31,12 @@ RemoteCommand RemoteCommand::parse(const QByteArray &payload)
         command.kind = ToggleStandby;
         return command;
     }
-    const auto flag = [&object, &command](const char *member, Kind kind) {
-        const QJsonValue value = object.value(QLatin1String(member));
-        if (!value.isBool())
+    const auto flag = [&object, &command](const char *member, Kind wanted) {
+        const QJsonValue setting = object.value(QLatin1String(member));
+        if (!setting.isBool())
             return false;
-        command.kind = kind;
-        command.on = value.toBool();
+        command.kind = wanted;
+        command.on = setting.toBool();
         return true;
     };
     if (name == QLatin1String("playpause"))
