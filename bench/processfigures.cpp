@@ -42,6 +42,24 @@ qint64 ProcessFigures::pssKiB(qint64 process)
     return labelled(contents(directoryOf(process) + QStringLiteral("/smaps_rollup")), "Pss:");
 }
 
+qint64 ProcessFigures::privateKiB(qint64 process)
+{
+    const QByteArray text = contents(directoryOf(process) + QStringLiteral("/smaps_rollup"));
+    return labelled(text, "Private_Clean:") + labelled(text, "Private_Dirty:");
+}
+
+int ProcessFigures::openFiles(qint64 process)
+{
+    return QDir(directoryOf(process) + QStringLiteral("/fd"))
+        .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
+        .size();
+}
+
+int ProcessFigures::threads(qint64 process)
+{
+    return int(labelled(contents(directoryOf(process) + QStringLiteral("/status")), "Threads:"));
+}
+
 qint64 ProcessFigures::processorMs(qint64 process)
 {
     // After the name, which may hold anything but ends with the last parenthesis; user and system

@@ -9,6 +9,15 @@ namespace ProcessFigures {
 /** Proportional set size in KiB: resident memory, with a share of what other processes use too. */
 qint64 pssKiB(qint64 process);
 
+/** Memory that belongs to the process alone, in KiB. */
+qint64 privateKiB(qint64 process);
+
+/** How many descriptors are open. */
+int openFiles(qint64 process);
+
+/** How many threads are alive. */
+int threads(qint64 process);
+
 /** Processor time of all threads in milliseconds, including those that have ended. */
 qint64 processorMs(qint64 process);
 
