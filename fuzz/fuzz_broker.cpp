@@ -47,10 +47,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         return 0;
     const bool accepts = data[0] & 1;
     const bool resets = data[0] & 2;
+    const bool leaves = data[0] & 4;
     QByteArray stream(reinterpret_cast<const char *>(data + 1), int(size - 1));
     if (accepts)
         stream.prepend(QByteArray::fromHex("20020000"));
-    const int step = data[0] >> 2 ? data[0] >> 2 : qMax(1, stream.size());
+    const int step = data[0] >> 3 ? data[0] >> 3 : qMax(1, stream.size());
 
     QMqttClient client;
     client.setHostname(QStringLiteral("127.0.0.1"));
@@ -62,6 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         client.subscribe(QMqttTopicFilter(QStringLiteral("a/#")), 1);
         client.publish(QMqttTopicName(QStringLiteral("x")), "1", 1);
         client.publish(QMqttTopicName(QStringLiteral("x")), "2", 2);
+        client.requestPing();
     });
     QObject::connect(&client, &QMqttClient::disconnected, [&] { ++ends; });
     QObject::connect(&client, &QMqttClient::messageReceived,
@@ -86,6 +88,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         socket->abort();
     else
         socket->disconnectFromHost();
+    if (leaves)
+        client.disconnectFromHost(); // finds what has not been read, and then the end
     Fuzzing::waitUntil([&] { return client.state() == QMqttClient::Disconnected; },
         "a client whose broker has gone notices");
     Fuzzing::require(connections <= 1 && ends <= 1, "a connection begins and ends once");
