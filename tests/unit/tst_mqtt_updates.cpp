@@ -490,7 +490,8 @@ void TestMqttUpdates::stateIsWrittenAsABoolean_data()
              "RequireReboot", "ConfigureIsRunning", "UpdateAvailable", "UpdateInstalling",
              "UpdateInhibited", "WebIfaceIsUp", "TimeSynced", "UpdateInfo", "InhibitReason" }) {
         for (int i = 0; i < Conversions.size(); ++i)
-            QTest::addRow("%s, %s", property, Conversions.at(i).name) << property << i;
+            QTest::newRow((QByteArray(property) + ", " + Conversions.at(i).name).constData())
+                << property << i;
     }
 }
 
