@@ -1,22 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "comparison.h"
 
+#include "testkit/baseline.h"
+
 #include <QImage>
 
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 
 namespace {
-
-constexpr int ChannelTolerance = 24;     // of 255
-constexpr double PixelTolerance = 0.003; // of all pixels
-
-int difference(QRgb left, QRgb right)
-{
-    return std::max({ std::abs(qRed(left) - qRed(right)), std::abs(qGreen(left) - qGreen(right)),
-        std::abs(qBlue(left) - qBlue(right)) });
-}
 
 bool isAlike(const QDir &taken, const QString &name, const QImage &baseline)
 {
@@ -26,17 +17,9 @@ bool isAlike(const QDir &taken, const QString &name, const QImage &baseline)
             picture.height(), baseline.width(), baseline.height());
         return false;
     }
-    QImage differences(picture.size(), QImage::Format_RGB32);
-    int different = 0;
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x) {
-            const int amount = difference(picture.pixel(x, y), baseline.pixel(x, y));
-            differences.setPixel(x, y, qRgb(amount, amount, amount));
-            different += amount > ChannelTolerance ? 1 : 0;
-        }
-    }
-    const double share = double(different) / (picture.width() * picture.height());
-    if (share <= PixelTolerance)
+    QImage differences;
+    const double share = Baseline::differingShare(picture, baseline, &differences);
+    if (Baseline::isAlike(picture, baseline))
         return true;
     std::printf("%s: %.2f %% of the pixels differ\n", qUtf8Printable(name), 100 * share);
     differences.save(taken.filePath(
