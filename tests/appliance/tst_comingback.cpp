@@ -10,6 +10,8 @@ namespace {
 
 /** Longer than the helper sleeps between two looks, so that it has looked. */
 constexpr int LookMs = 15000;
+/** The agent goes with the machine, so it may not answer. */
+constexpr int GoneMs = 3000;
 /** So long a connection may last whose broker is frozen, until the front end gives it up. */
 constexpr int GivenUpMs = 180000;
 
@@ -59,7 +61,8 @@ void TestComingBack::brokerLateAtBoot()
 {
     QVERIFY(does("mkdir --parents /etc/systemd/system/mosquitto.service.d && "
                  "printf '[Service]\\nExecStartPre=sleep 30\\n' "
-                 ">/etc/systemd/system/mosquitto.service.d/late.conf && systemctl reboot"));
+                 ">/etc/systemd/system/mosquitto.service.d/late.conf"));
+    m_machine->run("systemctl reboot", GoneMs);
     QVERIFY(m_machine->waitForPage("connection-failure", BootedMachine::BootMs) >= 0);
     QVERIFY(m_machine->waitForBroker());
     QVERIFY(m_machine->comesBack());

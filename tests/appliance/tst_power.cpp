@@ -18,6 +18,8 @@ const QPoint Save(710, 425);
 const QByteArray OldSettings = "[LCD]\nBrightness=150\nClockBrightness=150\n";
 const QString File = "/data/velunor-touch.ini";
 constexpr double StopLimit = 5; // seconds, as the unit has it
+/** The agent goes with the machine, so it may not answer. */
+constexpr int GoneMs = 3000;
 constexpr int PowerOffMs = 60000;
 
 } // namespace
@@ -81,7 +83,7 @@ void TestPower::rebootAndPowerOffAreOrderly()
     const QByteArray saved = m_machine->said("cat " + File) + '\n';
     QVERIFY(isNew(saved));
 
-    m_machine->run("systemctl reboot");
+    m_machine->run("systemctl reboot", GoneMs);
     // The last picture stays on view for a while.
     QVERIFY(m_machine->waitForAgent(BootedMachine::BootMs));
     QVERIFY(m_machine->waitForPage("player", BootedMachine::BootMs) >= 0);
@@ -96,7 +98,7 @@ void TestPower::rebootAndPowerOffAreOrderly()
     QVERIFY2(began > 0 && ended >= began && ended - began < StopLimit, stop.constData());
     QVERIFY2(!stop.contains("timed out") && !stop.contains("Failed"), stop.constData());
 
-    m_machine->run("systemctl poweroff");
+    m_machine->run("systemctl poweroff", GoneMs);
     QVERIFY(m_machine->waitForPowerOff(PowerOffMs));
     QCOMPARE(m_machine->faultsOfDisk(), QByteArray());
     QCOMPARE(m_machine->fileOnDisk(File), saved);
