@@ -14,7 +14,8 @@ using namespace PageNames;
 namespace {
 
 constexpr qint64 Wrap = Q_INT64_C(1) << 31; // ms; half of what 32 bits count, 24.8 days
-constexpr int WelcomeMs = 5000;
+constexpr int WelcomeMs
+    = 5000 * 95 / 100; // Qt may end a timer 5 % early, to wake the processor less
 constexpr int PingMs = 2800;
 
 /** Milliseconds since the machine was switched on, as timers count them. */
@@ -57,7 +58,8 @@ void TestUptime::everythingGoesOnAfterTheMoment()
     QVERIFY(appliance.program.startAndWait());
     QVERIFY(appliance.waitForPage(Player));
     const qint64 player = uptimeMs();
-    QVERIFY2(player >= start + WelcomeMs, "the welcome page went early");
+    QVERIFY2(player >= start + WelcomeMs,
+        "the welcome page went early: after " + QByteArray::number(player - start) + " ms");
     QVERIFY2(player > moment, "the moment was not met");
 
     // What moves goes on moving.
