@@ -30,9 +30,11 @@ MqttReference::Entry entryFrom(const QJsonObject &described)
     entry.qos = described["qos"].toInt();
     entry.retain = described["retain"].toBool();
     entry.examples = described["examples"].toArray();
-    for (const QJsonValue &payload : described["sent"].toArray())
+    const QJsonArray sent = described["sent"].toArray();
+    for (const QJsonValue &payload : sent)
         entry.sent.append(payload.toString().toUtf8());
-    for (const QJsonValue &page : described["pages"].toArray())
+    const QJsonArray pages = described["pages"].toArray();
+    for (const QJsonValue &page : pages)
         entry.pages.append(page.toString());
     const QJsonObject property = described["property"].toObject();
     entry.object = property["object"].toString();
@@ -64,8 +66,9 @@ MqttReference::MqttReference()
     QFile file(QStringLiteral(TOUCHUI_MQTT_CATALOGUE));
     if (!file.open(QIODevice::ReadOnly))
         qFatal("cannot read %s", qUtf8Printable(file.fileName()));
-    for (const QJsonValue &described : QJsonDocument::fromJson(file.readAll()).array())
-        m_entries.append(entryFrom(described.toObject()));
+    const QJsonArray described = QJsonDocument::fromJson(file.readAll()).array();
+    for (const QJsonValue &entry : described)
+        m_entries.append(entryFrom(entry.toObject()));
     if (m_entries.isEmpty())
         qFatal("%s describes no message", qUtf8Printable(file.fileName()));
 }

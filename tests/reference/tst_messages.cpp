@@ -144,8 +144,9 @@ void TestMessages::theListOfZones()
     QCOMPARE(names(), QJsonValue(QJsonArray { "Kitchen" }));
     appliance.publishZones(entry.sent.first());
     QVERIFY(appliance.handled());
+    const QJsonArray zones = entry.examples.first().toArray();
     QJsonArray described;
-    for (const QJsonValue &zone : entry.examples.first().toArray())
+    for (const QJsonValue &zone : zones)
         described.prepend(zone["name"]); // sorted by name, which is the reverse here
     QCOMPARE(names(), QJsonValue(described));
 
