@@ -70,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     limit.start(Patience);
     const QImage image = provider->requestImage(QString::number(++number), &told, QSize());
     Fuzzing::require(image.width() <= 8192 && image.height() <= 8192, "pictures have limits");
-    Fuzzing::require(told.isNull() || told.isEmpty() || told == image.size(),
-        "the size that is told is the picture's");
+    Fuzzing::require(
+        told.isEmpty() || told == image.size(), "the size that is told is the picture's");
     return 0;
 }

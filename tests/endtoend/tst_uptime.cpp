@@ -14,8 +14,8 @@ using namespace PageNames;
 namespace {
 
 constexpr qint64 Wrap = Q_INT64_C(1) << 31; // ms; half of what 32 bits count, 24.8 days
-constexpr int WelcomeMs
-    = 5000 * 95 / 100; // Qt may end a timer 5 % early, to wake the processor less
+/** Five seconds; Qt may end a timer 5 % early, to wake the processor less. */
+constexpr int WelcomeMs = 5000 * 95 / 100;
 constexpr int PingMs = 2800;
 
 /** Milliseconds since the machine was switched on, as timers count them. */
