@@ -13,6 +13,12 @@ const QByteArray Connect = QByteArray::fromHex("100c00044d5154540402003c0000");
 const QByteArray Welcome = QByteArray::fromHex("20020000");
 constexpr int AnswerMs = 500;
 constexpr int LookEveryMs = 200;
+constexpr int GoneMs = 3000;
+
+// Places on the player page and the settings page.
+const QPoint SettingsCorner(790, 470);
+const QPoint HandleOfBrightness(438, 143);
+const QPoint LowBrightness(300, 143);
 
 QImage pageOnPanel(const QString &page)
 {
@@ -72,6 +78,21 @@ bool BootedMachine::standsStillOn(const QString &page)
         qWarning("%.2f %% of the pixels differ from the page %s",
             100 * Baseline::differingShare(still, pageOnPanel(page)), qUtf8Printable(page));
     return isAlike;
+}
+
+bool BootedMachine::dim()
+{
+    const QByteArray before = panel("brightness");
+    touch(SettingsCorner);
+    if (waitForPage(QStringLiteral("settings")) < 0)
+        return false;
+    draw(HandleOfBrightness, LowBrightness);
+    return waitUntil([&] { return panel("brightness") != before; });
+}
+
+void BootedMachine::bringDown(const QString &command)
+{
+    run(command, GoneMs);
 }
 
 bool BootedMachine::waitForBroker(int milliseconds)

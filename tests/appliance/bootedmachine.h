@@ -36,6 +36,20 @@ public:
     /** Whether the panel shows that page and nothing moves. */
     bool standsStillOn(const QString &page);
 
+    /**
+     * Leads from the player page to the settings page and draws the brightness there lower; whether
+     * the panel follows.
+     */
+    bool dim();
+    /** What the kernel's file of that name says of the panel. */
+    QByteArray panel(const char *attribute)
+    {
+        return said(QStringLiteral("cat /sys/class/backlight/panel/") + QLatin1String(attribute));
+    }
+
+    /** Runs what takes the machine down; the agent may go with it before it has answered. */
+    void bringDown(const QString &command);
+
     /** Waits until the broker welcomes a client. */
     bool waitForBroker(int milliseconds = PageMs);
 
