@@ -5,6 +5,7 @@
 #include <QJsonObject>
 #include <QMutex>
 #include <QObject>
+#include <QPointer>
 
 class QQuickItem;
 class QQuickWindow;
@@ -26,6 +27,11 @@ public:
     QJsonObject seen();
 
 private:
+    void readItem();
+    void noteFrame();
+
+    QPointer<QQuickItem> m_item;
+    QByteArray m_property;
     QMetaObject::Connection m_synchronized;
     QMetaObject::Connection m_swapped;
     QMutex m_mutex; // the frames may be drawn in a thread of their own

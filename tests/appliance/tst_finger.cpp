@@ -30,7 +30,7 @@ void TestFinger::aTouchOnPlayArrivesAtTheBroker()
     BrokerClient services;
     QVERIFY(services.connectToBroker());
     machine().touch(PlayPause);
-    QVERIFY(waitUntil([&] { return services.payloads(Topics::command()).size() > 0; }));
+    QVERIFY(waitUntil([&] { return !services.payloads(Topics::command()).isEmpty(); }));
     QCOMPARE(services.payloads(Topics::command()),
         QList<QByteArray>({ R"({"command":"playpause","zone_id":"1601a7c2-hugo2x"})" }));
 }
