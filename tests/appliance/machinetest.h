@@ -7,8 +7,7 @@
 
 #include <memory>
 
-/** The base of tests that each begin on the machine as it was kept, with the player page on view.
- */
+/** The base of tests that begin on the kept machine, with the player page on view. */
 class MachineTest : public QObject {
     Q_OBJECT
 

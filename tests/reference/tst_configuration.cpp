@@ -79,7 +79,7 @@ QList<Odd> oddKeys()
         { "LCD/Brightness", "999", "999", "is handed to it as it is" },
         { "LCD/ClockBrightness", "bright", "150", "likewise" },
         { "LCD/ClockBrightness", "999", "999", "likewise" },
-        { "LCD/DefaultPlayerScreen", "first", "11", "likewise" },
+        { "LCD/DefaultPlayerScreen", "first", "11", fallback },
     };
 }
 
