@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "qmqttclient_p.h"
 
-#include <QtCore/QLoggingCategory>
 #include <QtCore/QRandomGenerator>
 
 #include <algorithm>
 
 namespace {
-Q_LOGGING_CATEGORY(lcMqttConnection, "qt.mqtt.connection")
-
 constexpr int ClientIdLength = 23; // the longest id that every broker must accept
 constexpr quint8 HighestQos = 2;
 

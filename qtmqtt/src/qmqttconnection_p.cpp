@@ -15,6 +15,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+Q_LOGGING_CATEGORY(lcMqttConnection, "qt.mqtt.connection")
+
 namespace {
 /** The library refuses shorter ones, except 0. */
 constexpr int ShortestKeepAlive = 5; // seconds
@@ -29,13 +31,19 @@ constexpr quint8 PingRequest[] = { 0xc0, 0 };
 constexpr quint8 RepeatedFlag = 0x08;
 /** The only flag of an acceptance; the others are reserved. */
 constexpr int SessionRestoredFlag = 1;
+constexpr quint8 TypeBits = 0xf0;
+constexpr quint8 Message = 0x30;
+/** The library would take as much memory as a packet says that it needs: up to 256 MB. */
+constexpr int LargestPacket = 16 << 20;
+/** In bytes; the head's first byte is followed by up to four that tell the length. */
+constexpr int LongestHead = 5;
 
 // Patience with a broker that does not move while we leave, and with one that moves all the time.
 constexpr int WritePatienceMs = 2000;
 constexpr int WriteLimitMs = 30000; // as long as the Qt module
 constexpr int AnswerPatienceMs = 200;
-constexpr int AnswerLimitMs = 5000;
-constexpr int FarewellLimitMs = 5000;
+constexpr int AnswerLimitMs = 1500; // with the next one less than a service manager waits
+constexpr int FarewellLimitMs = 3000;
 
 QMqttClient::ClientError errorFromCode(int code)
 {
@@ -70,6 +78,21 @@ short waitFor(int socket, short events, const QDeadlineTimer &limit)
         count = poll(&waiting, 1, int(limit.remainingTime()));
     } while (count < 0 && errno == EINTR);
     return count > 0 ? waiting.revents : 0;
+}
+
+/**
+ * The length of the packet that begins so, its head included; empty while the head is incomplete. A
+ * head that is none counts as a whole packet, for the library to find fault with.
+ */
+std::optional<int> packetLength(const quint8 *head, int available)
+{
+    int length = 0;
+    for (int i = 1; i < available; ++i) {
+        length |= (head[i] & 0x7f) << (7 * (i - 1));
+        if (!(head[i] & 0x80))
+            return i + 1 + length;
+    }
+    return available < LongestHead ? std::nullopt : std::optional(LongestHead);
 }
 
 /** That time from now, but not beyond the limit. */
@@ -153,6 +176,7 @@ void QMqttConnection::tryNextAddress()
             m_handle, address.constData(), m_settings.port, keepAliveSeconds());
         m_lossCode.reset();
         m_betweenPackets = true;
+        m_wakingBytes = 1;
         if (code == MOSQ_ERR_SUCCESS) {
             QMqttHandle::keepFromChildren(mosquitto_socket(m_handle));
             watchSocket();
@@ -234,13 +258,34 @@ void QMqttConnection::read()
 int QMqttConnection::readPacket()
 {
     m_packetRead = false;
+    if (m_discarding > 0)
+        return discard();
     if (m_betweenPackets) {
-        const ssize_t count = recv(mosquitto_socket(m_handle), &m_head, 1, MSG_PEEK | MSG_DONTWAIT);
+        quint8 head[LongestHead] = {};
+        const int socket = mosquitto_socket(m_handle);
+        const ssize_t count = recv(socket, head, sizeof head, MSG_PEEK | MSG_DONTWAIT);
         if (count < 0) // looking takes the error off the socket
             return errno == EAGAIN || errno == EINTR ? MOSQ_ERR_SUCCESS : MOSQ_ERR_ERRNO;
+        m_head = head[0];
         // The library would take foreign bytes for the head of a long packet and wait for its rest.
         if (count > 0 && m_phase == Opening && m_head != ConnectAnswer)
             return MOSQ_ERR_PROTOCOL;
+        const std::optional<int> length = packetLength(head, int(count));
+        // Readable with less than was asked for, the socket has no room for more: one byte of a
+        // segment keeps the room of all of it. The library then gets the packet unseen.
+        if (count >= m_wakingBytes && !length && !waitFor(socket, POLLRDHUP, QDeadlineTimer(1))) {
+            wakeForBytes(int(count) + 1);
+            return MOSQ_ERR_SUCCESS;
+        }
+        wakeForBytes(1);
+        if (length > LargestPacket) {
+            if ((m_head & TypeBits) != Message)
+                return MOSQ_ERR_PROTOCOL;
+            qCWarning(lcMqttConnection).nospace()
+                << "Dropping a message of " << *length << " bytes, more than any may have.";
+            m_discarding = *length;
+            return discard();
+        }
     }
     m_reading = true;
     const int code = mosquitto_loop_read(m_handle, 1);
@@ -249,6 +294,28 @@ int QMqttConnection::readPacket()
     if (m_packetRead && code == MOSQ_ERR_SUCCESS && m_head == PingAnswer)
         post(PingAnswered {});
     return code;
+}
+
+/** Reads a part of a packet that is not wanted, unseen by the library. */
+int QMqttConnection::discard()
+{
+    char discarded[16384];
+    const size_t wanted = std::min(sizeof discarded, size_t(m_discarding));
+    const ssize_t count = recv(mosquitto_socket(m_handle), discarded, wanted, MSG_DONTWAIT);
+    if (count < 0)
+        return errno == EAGAIN || errno == EINTR ? MOSQ_ERR_SUCCESS : MOSQ_ERR_ERRNO;
+    m_discarding -= int(count);
+    m_packetRead = true;
+    return count > 0 ? MOSQ_ERR_SUCCESS : MOSQ_ERR_CONN_LOST;
+}
+
+/** The socket counts as readable once it holds so many bytes, or the broker has closed its side. */
+void QMqttConnection::wakeForBytes(int count)
+{
+    if (m_wakingBytes == count)
+        return;
+    m_wakingBytes = count;
+    setsockopt(mosquitto_socket(m_handle), SOL_SOCKET, SO_RCVLOWAT, &count, sizeof count);
 }
 
 void QMqttConnection::write()

@@ -10,6 +10,7 @@
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QHash>
 #include <QtCore/QList>
+#include <QtCore/QLoggingCategory>
 #include <QtCore/QObject>
 #include <QtCore/QString>
 #include <QtCore/QTimer>
@@ -23,6 +24,8 @@ class QHostInfo;
 class QSocketNotifier;
 struct mosquitto;
 struct mosquitto_message;
+
+Q_DECLARE_LOGGING_CATEGORY(lcMqttConnection)
 
 /**
  * One attempt to connect, and the connection that comes of it, over one handle of the library.
@@ -40,7 +43,7 @@ public:
      * How many packets are read, and how many events are to be taken, before the event loop gets
      * its turn again, so that a flood does not freeze the display.
      */
-    static constexpr int PacketsPerTurn = 512;
+    static constexpr int PacketsPerTurn = 64;
 
     struct Accepted {
         bool sessionRestored;
@@ -125,6 +128,8 @@ private:
     void unwatchSocket();
     void read();
     int readPacket();
+    int discard();
+    void wakeForBytes(int count);
     void write();
     void ping();
     void keepAlive();
@@ -152,6 +157,8 @@ private:
     bool m_packetRead = false;     // by its last call for reading, to the end
     bool m_betweenPackets = true;  // otherwise a part of one has been read
     quint8 m_head = 0;             // first byte of the packet that is read
+    int m_discarding = 0;          // bytes left of a packet that is not wanted
+    int m_wakingBytes = 1;         // how many make the socket readable
     QHash<int, quint8> m_unconfirmed; // ids and qualities of messages the broker has not confirmed
     bool m_pingWanted = false;
     std::deque<Event> m_events;

@@ -6,6 +6,8 @@
 #include <sys/socket.h>
 
 namespace {
+constexpr int PouredAheadBytes = 1 << 16;
+
 /** Length of the first packet in @p bytes with its head; 0 while it is not complete. */
 int packetLength(const QByteArray &bytes)
 {
@@ -30,9 +32,10 @@ int lengthBytes(const QByteArray &packet)
 }
 } // namespace
 
-FakeBroker::FakeBroker()
+FakeBroker::FakeBroker(quint16 port)
 {
-    m_server.listen(QHostAddress::LocalHost);
+    if (!m_server.listen(QHostAddress::LocalHost, port))
+        qFatal("No listener on port %d", int(port));
     connect(&m_server, &QTcpServer::newConnection, this, &FakeBroker::accept);
 }
 
@@ -40,7 +43,10 @@ void FakeBroker::accept()
 {
     QTcpSocket *const socket = m_server.nextPendingConnection();
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    // What is under way when a flood ends is to be little.
+    socket->setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, PouredAheadBytes);
     connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
+    connect(socket, &QTcpSocket::bytesWritten, this, &FakeBroker::pourOn);
     m_socket = socket;
     m_unread.clear();
     ++m_connections;
@@ -83,6 +89,19 @@ void FakeBroker::sendByteWise(const QByteArray &bytes)
     }
 }
 
+void FakeBroker::pour(const QByteArray &bytes, int times)
+{
+    m_poured = bytes;
+    m_pourings = times;
+    pourOn();
+}
+
+void FakeBroker::pourOn()
+{
+    for (; m_pourings > 0 && m_socket && m_socket->bytesToWrite() < PouredAheadBytes; --m_pourings)
+        m_socket->write(m_poured);
+}
+
 void FakeBroker::answerSubscription(quint8 code)
 {
     const auto request = std::find_if(m_packets.crbegin(), m_packets.crend(),
@@ -116,9 +135,15 @@ bool FakeBroker::isDeserted() const
 
 QByteArray FakeBroker::message(const QByteArray &topic, const QByteArray &payload)
 {
+    return messageHead(topic, payload.size()) + payload;
+}
+
+QByteArray FakeBroker::messageHead(const QByteArray &topic, int payloadSize)
+{
     QByteArray packet("\x30");
-    packet += char(2 + topic.size() + payload.size());
-    packet += '\0';
-    packet += char(topic.size());
-    return packet + topic + payload;
+    for (int rest = 2 + topic.size() + payloadSize; rest > 0; rest >>= 7)
+        packet += char(rest > 0x7f ? (rest & 0x7f) | 0x80 : rest);
+    packet += char(topic.size() >> 8);
+    packet += char(topic.size() & 0xff);
+    return packet + topic;
 }

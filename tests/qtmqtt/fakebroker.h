@@ -9,7 +9,7 @@
 #include <QtNetwork/QTcpSocket>
 
 /**
- * A listener on a free port of 127.0.0.1 that answers a request to connect with given bytes, and
+ * A listener on 127.0.0.1 that answers a request to connect with given bytes, and
  * nothing else unless told.  It keeps the packets it got.
  */
 class FakeBroker : public QObject {
@@ -23,7 +23,8 @@ public:
         Disconnect = 0xe0
     };
 
-    FakeBroker();
+    /** Port 0 takes any free one. */
+    explicit FakeBroker(quint16 port = 0);
 
     quint16 port() const { return m_server.serverPort(); }
 
@@ -37,6 +38,9 @@ public:
     void send(const QByteArray &bytes);
     /** Sends each byte in a segment of its own. */
     void sendByteWise(const QByteArray &bytes);
+    /** Sends the same again and again, as fast as the newest client takes it; 0 ends it. */
+    void pour(const QByteArray &bytes, int times);
+    bool isPouring() const { return m_pourings > 0; }
     /** Answers the newest request to subscribe: with a quality of service, or 0x80 to refuse. */
     void answerSubscription(quint8 code);
     /** Closes the newest client's connection in an orderly way. */
@@ -53,11 +57,14 @@ public:
     bool isDeserted() const;
 
     static QByteArray acceptance() { return QByteArray::fromHex("20020000"); }
-    /** A message at quality of service 0; topic and payload together below 120 bytes. */
+    /** A message at quality of service 0. */
     static QByteArray message(const QByteArray &topic, const QByteArray &payload);
+    /** All of such a message that comes before a payload of this size. */
+    static QByteArray messageHead(const QByteArray &topic, int payloadSize);
 
 private:
     void accept();
+    void pourOn();
     void read(QTcpSocket *socket);
     void handle(const QByteArray &packet);
 
@@ -67,6 +74,8 @@ private:
     QByteArray m_answer = acceptance();
     QList<QByteArray> m_packets;
     int m_connections = 0;
+    QByteArray m_poured;
+    int m_pourings = 0;
     bool m_closing = false;
     bool m_answeringPings = true;
 };

@@ -8,6 +8,7 @@
 #include <QtTest/QtTest>
 
 #include <algorithm>
+#include <ctime>
 #include <memory>
 
 namespace {
@@ -37,6 +38,10 @@ private Q_SLOTS:
     void emptyPayloadIsNotNull();
     void messageInPiecesIsAssembled();
     void largePayloadsGoBothWays();
+    void tooLargeAMessageIsDropped_data();
+    void tooLargeAMessageIsDropped();
+    void anUnfinishedHeadIsWaitedFor();
+    void tooLargeAPacketOfAnotherKindEndsTheConnection();
     void messageTellsItsProperties();
     void repeatedDeliveryIsMarked_data();
     void repeatedDeliveryIsMarked();
@@ -285,6 +290,65 @@ void TestMessages::largePayloadsGoBothWays()
         QTRY_COMPARE_WITH_TIMEOUT(listener.received.size(), 1, PatienceMs);
         QCOMPARE(listener.received.takeFirst().payload, payload);
     }
+}
+
+void TestMessages::tooLargeAMessageIsDropped_data()
+{
+    QTest::addColumn<int>("size");  // of the packet
+    QTest::addColumn<int>("first"); // how much of it comes by itself
+    QTest::addColumn<bool>("arrives");
+    QTest::newRow("as large as can be") << (16 << 20) << 100 << true;
+    QTest::newRow("too large") << (16 << 20) + 1 << 100 << false;
+    for (int first = 1; first <= 5; ++first)
+        QTest::addRow("too large, cut at %d", first) << (16 << 20) + 1 << first << false;
+}
+
+void TestMessages::tooLargeAMessageIsDropped()
+{
+    OURS_ALONE("a limit to what a message may take");
+    QFETCH(int, size);
+    QFETCH(int, first);
+    QFETCH(bool, arrives);
+    const int head = FakeBroker::messageHead("t", size).size();
+    const QByteArray large = FakeBroker::message("t", QByteArray(size - head, 'x'));
+    QCOMPARE(large.size(), size);
+    if (!arrives)
+        QTest::ignoreMessage(QtWarningMsg,
+            qPrintable(
+                QString("Dropping a message of %1 bytes, more than any may have.").arg(size)));
+    FakeBroker peer;
+    Listener listener(peer.port());
+    peer.send(FakeBroker::message("t", "before") + large.left(first));
+    QTRY_COMPARE(listener.payloads(), (QList<QByteArray> { "before" }));
+    QTest::qWait(10); // so that the piece is read by itself
+    peer.send(large.mid(first) + FakeBroker::message("t", "after"));
+    QTRY_COMPARE_WITH_TIMEOUT(listener.received.size(), arrives ? 3 : 2, PatienceMs);
+    QCOMPARE(listener.received.last().payload, QByteArray("after"));
+    QCOMPARE(listener.client.state(), QMqttClient::Connected);
+}
+
+/** Not by asking again and again, and not beyond the end of the connection. */
+void TestMessages::anUnfinishedHeadIsWaitedFor()
+{
+    FakeBroker peer;
+    Listener listener(peer.port());
+    peer.send(FakeBroker::message("t", "before") + QByteArray::fromHex("3080"));
+    QTRY_COMPARE(listener.payloads(), (QList<QByteArray> { "before" }));
+    const clock_t before = std::clock();
+    QTest::qWait(500);
+    QVERIFY2(std::clock() - before < CLOCKS_PER_SEC / 4, "it is busy");
+    peer.closeConnection();
+    QTRY_COMPARE(listener.client.state(), QMqttClient::Disconnected);
+}
+
+void TestMessages::tooLargeAPacketOfAnotherKindEndsTheConnection()
+{
+    OURS_ALONE("a limit to what a packet may take");
+    FakeBroker peer;
+    Listener listener(peer.port());
+    peer.send(QByteArray::fromHex("90ffffff7f"));
+    QTRY_COMPARE(listener.client.state(), QMqttClient::Disconnected);
+    QCOMPARE(listener.client.error(), QMqttClient::ProtocolViolation);
 }
 
 void TestMessages::messageTellsItsProperties()

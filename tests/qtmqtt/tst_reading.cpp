@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fakebroker.h"
 #include "qmqttconnection_p.h"
+#include "wirepeer.h"
 
 #include <QtTest/QtTest>
 
@@ -16,6 +17,7 @@ class TestReading : public QObject {
 private Q_SLOTS:
     void turnsAreShort_data();
     void turnsAreShort();
+    void aBacklogIsReadToItsEnd();
 };
 
 void TestReading::turnsAreShort_data()
@@ -58,6 +60,36 @@ void TestReading::turnsAreShort()
     peer.send(FakeBroker::message("t", "x").repeated(Count));
     QTRY_COMPARE_WITH_TIMEOUT(read, Count, PatienceMs);
     QVERIFY2(longest <= QMqttConnection::PacketsPerTurn, qPrintable(QString::number(longest)));
+}
+
+/**
+ * More than the kernel keeps, so that the broker waits for us: a segment may then end after the
+ * first byte of a packet, and nothing follows it before that byte has been read.
+ */
+void TestReading::aBacklogIsReadToItsEnd()
+{
+    constexpr int Count = 300000;
+    QByteArray backlog;
+    for (int i = 0; i < Count; ++i)
+        backlog += FakeBroker::message("t", QByteArray(i % 97, 'x'));
+    WirePeer peer([&](WirePeer &broker) {
+        broker.accept();
+        broker.send(backlog);
+        broker.readPacket(); // until the client goes
+    });
+    QMqttSettings settings;
+    settings.port = peer.port();
+    QMqttConnection connection(settings);
+    connection.open({ QHostAddress::LocalHost });
+    int read = -1; // the acceptance comes first
+    connect(
+        &connection, &QMqttConnection::eventsAvailable, this,
+        [&] {
+            for (; connection.hasEvents(); ++read)
+                connection.takeEvent();
+        },
+        Qt::QueuedConnection);
+    QTRY_COMPARE_WITH_TIMEOUT(read, Count, PatienceMs);
 }
 
 QTEST_GUILESS_MAIN(TestReading)

@@ -12,7 +12,7 @@
 
 namespace {
 constexpr int PatienceMs = 20000;
-constexpr int PacketsPerTurn = 512;
+constexpr int PacketsPerTurn = 64;
 
 /** Counts what others, who wait for their turn in the event loop, see of a number that grows. */
 class Turns {
