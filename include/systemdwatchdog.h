@@ -15,7 +15,7 @@ class SystemdWatchdog : public QObject {
     Q_OBJECT
 
 public:
-    /** Sends "WATCHDOG=1" until it is terminated from outside, while it sleeps. */
+    /** Sends "WATCHDOG=1" until it is terminated from outside, while it sends or sleeps. */
     class WorkerThread : public QThread {
     protected:
         void run() override;

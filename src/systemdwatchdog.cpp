@@ -14,24 +14,25 @@ void logStart()
     qDebug() << "SystemdWatchdog::WorkerThread::run()";
 }
 
-void ping()
+void logPing()
 {
     qDebug() << "SystemdWatchdog::WorkerThread::PING";
-    SystemdWatchdog::notify(QStringLiteral("WATCHDOG=1"));
 }
 
 } // namespace
 
 void SystemdWatchdog::WorkerThread::run()
 {
-    // Termination may only hit the sleep, in a frame that holds nothing. Cancelled inside the
-    // logging or the socket write, the thread would take their locks with it and the main thread's
-    // next log line would never return.
+    // Termination may only hit where no lock is held. Cancelled inside the logging, the thread
+    // would take its locks with it and the main thread's next log line would never return. The
+    // sleep holds none, nor does sending, which waits for as long as the service manager does not
+    // read; cut short it leaves a socket behind, which ends with the process.
     setTerminationEnabled(false);
     logStart();
     for (;;) {
-        ping();
+        logPing();
         setTerminationEnabled(true);
+        SystemdWatchdog::notify(QStringLiteral("WATCHDOG=1"));
         msleep(KeepAliveMs);
         setTerminationEnabled(false);
     }

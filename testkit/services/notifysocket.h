@@ -33,6 +33,13 @@ public:
     /** How many messages have this text. */
     int count(const QByteArray &text) const;
 
+    /** From now on nothing is read, so that the kernel soon takes no more messages. */
+    void stopReading() { m_notifier->setEnabled(false); }
+    /** Sends messages of its own until the kernel takes no more; none of them is read. */
+    void fill();
+    /** Removes the socket's name, as the end of a service manager does. */
+    void vanish();
+
 private:
     void receive();
 

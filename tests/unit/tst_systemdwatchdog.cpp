@@ -62,7 +62,8 @@ private slots:
     void stopsBeforeTheStart();
     void stopsAtAnyMoment();
     void stopsWhileEveryoneLogs();
-    void onlyTheSleepCanBeTerminated();
+    void loggingCannotBeTerminated();
+    void sendingCanBeTerminated();
 
 private:
     std::unique_ptr<LogCapture> m_log;
@@ -208,7 +209,9 @@ void TestSystemdWatchdog::stopsAtAnyMoment()
         QCoreApplication::processEvents();              // the socket must not run full
     }
     QTRY_VERIFY(!threadNames().contains(QStringLiteral("watchdog")));
-    QTRY_COMPARE(openDescriptors(), before);
+    // One that is cut short while it sends leaves its socket to the end of the process, which is
+    // near. Few are.
+    QVERIFY2(openDescriptors() - before < 100, QByteArray::number(openDescriptors() - before));
     QCOMPARE(m_log->count(QStringLiteral("debug: SystemdWatchdog::destructor")), 1000);
 }
 
@@ -243,7 +246,7 @@ void TestSystemdWatchdog::stopsWhileEveryoneLogs()
     QTRY_VERIFY(!threadNames().contains(QStringLiteral("watchdog")));
 }
 
-void TestSystemdWatchdog::onlyTheSleepCanBeTerminated()
+void TestSystemdWatchdog::loggingCannotBeTerminated()
 {
     // Asked where it would hurt: inside the log handler, which the thread enters with its own lines
     // only.  The second ping comes after a sleep, in which termination was allowed.
@@ -269,6 +272,24 @@ void TestSystemdWatchdog::onlyTheSleepCanBeTerminated()
     }
     qInstallMessageHandler(former);
     QCOMPARE(exposed.load(), 0);
+}
+
+/** Otherwise the end would wait for a service manager that has stopped reading. */
+void TestSystemdWatchdog::sendingCanBeTerminated()
+{
+    QElapsedTimer time;
+    {
+        SystemdWatchdog watchdog;
+        watchdog.notifyReady();
+        QTRY_COMPARE(m_socket->count(Alive), 1);
+        m_socket->fill();
+        // The second one waits for a place.
+        QTRY_COMPARE_WITH_TIMEOUT(
+            m_log->count(QStringLiteral("debug: SystemdWatchdog::WorkerThread::PING")), 2, 20000);
+        time.start();
+    }
+    QVERIFY2(time.elapsed() < 2000, QByteArray::number(time.elapsed()));
+    QTRY_VERIFY(!threadNames().contains(QStringLiteral("watchdog")));
 }
 
 QTEST_GUILESS_MAIN(TestSystemdWatchdog)
