@@ -9,6 +9,13 @@
 #include <QThread>
 #include <QUrl>
 
+namespace {
+
+// The status is all that counts; what is longer than this is no answer.
+constexpr qint64 LongestAnswer = 64 * 1024;
+
+} // namespace
+
 ApiClient *ApiClient::instance()
 {
     static ApiClient *const theInstance = new ApiClient;
@@ -27,9 +34,13 @@ ApiClient::ApiClient(QObject *parent)
 void ApiClient::installUpdate()
 {
     qInfo() << "ApiClient::installUpdate()";
-    m_network->post(
+    QNetworkReply *const reply = m_network->post(
         QNetworkRequest(QUrl(QStringLiteral("http://127.0.0.1:8080/api/install_update_v1"))),
         QByteArray());
+    connect(reply, &QNetworkReply::readyRead, this, [reply] {
+        if (reply->bytesAvailable() > LongestAnswer)
+            reply->abort();
+    });
 }
 
 void ApiClient::onFinish(QNetworkReply *reply)
