@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "changenotifier.h"
+
 #include <QByteArray>
 #include <QObject>
 #include <QString>
@@ -185,9 +187,11 @@ public:
     /**
      * Replaces the outputs by the "display_name" of each element of the JSON array @p json; an
      * element without one counts as an empty name, anything that is not an array empties the list.
-     * Notifies nobody.
+     * No signal of the zone tells of it.
      */
     void setOutputs(const QByteArray &json);
+    /** Tells of outputs that have changed; lives as long as the zone. */
+    const ChangeNotifier *outputsNotifier() const { return &m_outputsNotifier; }
 
 signals:
     /** The id, the name or the state has changed. */
@@ -224,4 +228,5 @@ private:
     bool m_isPlayAllowed = false;
     bool m_isSeekAllowed = false;
     QStringList m_outputs;
+    ChangeNotifier m_outputsNotifier;
 };

@@ -6,7 +6,9 @@
 #include <QByteArray>
 #include <QHash>
 #include <QObject>
+#include <QSet>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 /**
@@ -14,7 +16,8 @@
  *
  * Answers the display's central question: which zone id does it control, given a display name, even
  * when that zone plays as part of a group. Zone objects come only through add(), and go only when a
- * list of available zones no longer names them. Main thread only.
+ * list of available zones no longer names them. What a question costs does not depend on how many
+ * zones there are. Main thread only.
  */
 class RoonZones : public QObject {
     Q_OBJECT
@@ -32,7 +35,7 @@ public:
     /** The display names of the available zones as a string list, sorted regardless of case. */
     QVariant zones() const;
     /** The same in its own type. Empty names are left out. */
-    QStringList availableNames() const;
+    QStringList availableNames() const { return m_availableNames; }
 
     /** Whether there is a zone object with the id @p id. */
     bool contains(const QString &id) const;
@@ -71,9 +74,13 @@ private:
         const char *groupRole; ///< null for a zone of that very name
     };
     Found lookUp(const QString &displayName) const;
-    bool isAvailable(const QString &id) const;
+    Found lookUpGroup(const QString &displayName) const;
 
     // By the id under which a zone was added, whatever its id is now.
     QHash<QString, RoonZone *> m_zones;
     QHash<QString, QString> m_available; // display name to id
+    // What is asked for with every message, and changes with few.
+    QStringList m_availableNames; // sorted
+    QSet<QString> m_availableIds;
+    mutable QHash<QString, Found> m_foundGroups; // by display name; emptied when it may be wrong
 };

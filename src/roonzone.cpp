@@ -39,7 +39,9 @@ void RoonZone::setOutputs(const QByteArray &json)
     const QJsonArray elements = QJsonDocument::fromJson(json).array();
     qDebug().noquote().nospace() << "RoonZone::setOutputs() "
                                  << QJsonDocument(elements).toJson(QJsonDocument::Compact);
-    m_outputs.clear();
+    QStringList outputs;
     for (const QJsonValue &element : elements)
-        m_outputs.append(element.toObject().value(QLatin1String("display_name")).toString());
+        outputs.append(element.toObject().value(QLatin1String("display_name")).toString());
+    if (storeIfChanged(m_outputs, outputs))
+        emit m_outputsNotifier.changed();
 }

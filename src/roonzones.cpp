@@ -9,6 +9,24 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr int MostFoundGroups = 8;
+
+/** @p names as a list is read, without the empty one. */
+QStringList sorted(QStringList names)
+{
+    names.removeAll(QString());
+    std::sort(names.begin(), names.end(), [](const QString &left, const QString &right) {
+        const int order = left.compare(right, Qt::CaseInsensitive);
+        return order != 0 ? order < 0
+                          : left < right; // a fixed order for names that differ only in case
+    });
+    return names;
+}
+
+} // namespace
+
 RoonZones *RoonZones::instance()
 {
     static RoonZones *const theInstance = new RoonZones;
@@ -32,18 +50,6 @@ QVariant RoonZones::zones() const
     return availableNames();
 }
 
-QStringList RoonZones::availableNames() const
-{
-    QStringList names = m_available.keys();
-    names.removeAll(QString());
-    std::sort(names.begin(), names.end(), [](const QString &left, const QString &right) {
-        const int order = left.compare(right, Qt::CaseInsensitive);
-        return order != 0 ? order < 0
-                          : left < right; // a fixed order for names that differ only in case
-    });
-    return names;
-}
-
 bool RoonZones::contains(const QString &id) const
 {
     return m_zones.contains(id);
@@ -61,6 +67,10 @@ bool RoonZones::add(RoonZone *zone)
         return false;
     qInfo().noquote().nospace() << "RoonZones::add() inserting zone " << id;
     m_zones.insert(id, zone);
+    if (!zone->outputs().isEmpty())
+        m_foundGroups.clear();
+    connect(
+        zone->outputsNotifier(), &ChangeNotifier::changed, this, [this] { m_foundGroups.clear(); });
     return true;
 }
 
@@ -68,6 +78,7 @@ void RoonZones::updateAvailableZones(const QByteArray &json)
 {
     const QJsonArray elements = QJsonDocument::fromJson(json).array();
     m_available.clear();
+    m_foundGroups.clear();
     for (int i = 0; i < elements.size(); ++i) {
         const QJsonObject element = elements.at(i).toObject();
         const QString id = element.value(QLatin1String("id")).toString();
@@ -76,9 +87,13 @@ void RoonZones::updateAvailableZones(const QByteArray &json)
         m_available.insert(element.value(QLatin1String("name")).toString(), id);
     }
 
+    m_availableNames = sorted(m_available.keys());
+    const QList<QString> ids = m_available.values();
+    m_availableIds = QSet<QString>(ids.cbegin(), ids.cend());
+
     const QStringList known = m_zones.keys();
     for (const QString &id : known) {
-        if (isAvailable(id))
+        if (m_availableIds.contains(id))
             continue;
         qInfo().noquote().nospace()
             << "RoonZones::updateAvailableZones() removing stale zone " << id;
@@ -107,6 +122,18 @@ RoonZones::Found RoonZones::lookUp(const QString &displayName) const
     if (exact != m_available.constEnd())
         return { exact.value(), nullptr };
 
+    auto group = m_foundGroups.constFind(displayName);
+    if (group == m_foundGroups.constEnd()) {
+        // The names that are asked for come from outside.
+        if (m_foundGroups.size() >= MostFoundGroups)
+            m_foundGroups.clear();
+        group = m_foundGroups.insert(displayName, lookUpGroup(displayName));
+    }
+    return group.value();
+}
+
+RoonZones::Found RoonZones::lookUpGroup(const QString &displayName) const
+{
     // Group names are the members' names joined by " + ". Deliberate: the name counts anywhere in
     // the group's name. Only the last member has no " + " after it, and is found as a follower.
     const QString leading = displayName + QLatin1String(" + ");
@@ -116,14 +143,8 @@ RoonZones::Found RoonZones::lookUp(const QString &displayName) const
     }
 
     for (auto zone = m_zones.constBegin(); zone != m_zones.constEnd(); ++zone) {
-        if (zone.value()->outputs().contains(displayName) && isAvailable(zone.key()))
+        if (zone.value()->outputs().contains(displayName) && m_availableIds.contains(zone.key()))
             return { zone.key(), "follower" };
     }
     return { QString(), nullptr };
-}
-
-bool RoonZones::isAvailable(const QString &id) const
-{
-    return std::find(m_available.constBegin(), m_available.constEnd(), id)
-        != m_available.constEnd();
 }

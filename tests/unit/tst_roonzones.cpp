@@ -50,6 +50,7 @@ private slots:
     void leaderComesBeforeFollower();
     void exactNameComesFirst();
     void elementWithoutIdFindsNothing();
+    void whatWasFoundIsForgottenWithItsReason();
 
 private:
     void add(const QString &id, const QByteArray &outputs = "[]");
@@ -366,6 +367,29 @@ void TestRoonZones::elementWithoutIdFindsNothing()
     const QString id = m_zones->findZoneByDisplayName(QStringLiteral("Kitchen"));
     QCOMPARE(id, QString());
     QVERIFY(!m_zones->find(id));
+}
+
+void TestRoonZones::whatWasFoundIsForgottenWithItsReason()
+{
+    const QByteArray kitchenAndBath = R"([{"display_name":"Kitchen"},{"display_name":"Bath"}])";
+    const auto found = [this] { return m_zones->idByDisplayName(QStringLiteral("Bath")); };
+    m_zones->updateAvailableZones(R"([{"id":"g","name":"Kitchen + Bath"}])");
+    QCOMPARE(found(), QString());
+    add(QStringLiteral("g"), kitchenAndBath);
+    QCOMPARE(found(), QStringLiteral("g"));
+    m_zones->find(QStringLiteral("g"))->setOutputs("[]");
+    QCOMPARE(found(), QString());
+    m_zones->find(QStringLiteral("g"))->setOutputs(kitchenAndBath);
+    QCOMPARE(found(), QStringLiteral("g"));
+    m_zones->updateAvailableZones(R"([{"id":"h","name":"Bath + Hall"}])");
+    QCOMPARE(found(), QStringLiteral("h"));
+    m_zones->updateAvailableZones("[]");
+    QCOMPARE(found(), QString());
+    // More names than are kept.
+    m_zones->updateAvailableZones(R"([{"id":"g","name":"Kitchen + Bath"}])");
+    for (int i = 0; i < 100; ++i)
+        QCOMPARE(m_zones->idByDisplayName(QString::number(i)), QString());
+    QCOMPARE(m_zones->idByDisplayName(QStringLiteral("Kitchen")), QStringLiteral("g"));
 }
 
 QTEST_GUILESS_MAIN(TestRoonZones)
