@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "eventwait.h"
-#include "processfigures.h"
+#include "testkit/process/processfigures.h"
 #include "statistics.h"
 #include "subject.h"
 

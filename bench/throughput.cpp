@@ -3,7 +3,7 @@
 
 #include "eventwait.h"
 #include "playingzone.h"
-#include "processfigures.h"
+#include "testkit/process/processfigures.h"
 #include "report.h"
 #include "statistics.h"
 #include "stream.h"

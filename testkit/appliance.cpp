@@ -28,12 +28,17 @@ bool Appliance::skipWelcome()
         return program.probe().objectProperty(Probe::Target::type("Player"), "playAllowed")
             == QJsonValue(true);
     });
+    endWelcome();
+    return known;
+}
+
+void Appliance::endWelcome()
+{
     const Probe::Target welcomeTimer(QJsonObject { { "type", "QTimer" },
         { "where", QJsonObject { { "interval", 5000 }, { "active", true } } } });
     // On a busy machine its five seconds may have gone before.
     if (program.probe().alive(welcomeTimer) > 0)
         program.probe().setObjectProperty(welcomeTimer, "interval", 0);
-    return known;
 }
 
 void Appliance::publishCore(const QString &property, const QByteArray &value)

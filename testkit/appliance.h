@@ -36,6 +36,9 @@ public:
     /** Ends the welcome page once the zone is known: by its timer, but without the wait. */
     bool skipWelcome();
 
+    /** The same without the zone. */
+    void endWelcome();
+
     /** A property of the core, for example "coreDetected". */
     void publishCore(const QString &property, const QByteArray &value);
     /** A value of the zone below its id, for example "nowPlaying/song". */

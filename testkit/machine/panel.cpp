@@ -20,6 +20,11 @@ QByteArray contents(const QString &path)
 Panel::Panel(const QString &name)
     : m_directory(QStringLiteral("/sys/class/backlight/") + name)
 {
+    create();
+}
+
+void Panel::create()
+{
     QFile brightness(attribute(Brightness));
     QFile power(attribute(Power));
     if (!QDir().mkpath(m_directory) || !brightness.open(QIODevice::WriteOnly)
@@ -28,6 +33,11 @@ Panel::Panel(const QString &name)
 }
 
 Panel::~Panel()
+{
+    remove();
+}
+
+void Panel::remove()
 {
     QDir(m_directory).removeRecursively();
 }

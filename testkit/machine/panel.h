@@ -28,6 +28,11 @@ public:
      */
     void makeUnwritable();
 
+    /** Takes the panel away, as the kernel does with a device that is unplugged. */
+    void remove();
+    /** Puts it back, with both attributes empty. */
+    void create();
+
 private:
     QString attribute(const QString &name) const;
 

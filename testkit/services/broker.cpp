@@ -10,7 +10,6 @@
 #include <QSet>
 #include <QStandardPaths>
 
-#include <csignal>
 #include <cstdio>
 
 Broker::Broker(Log log, QObject *parent)

@@ -6,6 +6,8 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include <csignal>
+
 /**
  * A real mosquitto on port 1883 of 127.0.0.1, or of another address.  It keeps nothing over a
  * restart, and unless told otherwise its log tells every packet: "Received PUBLISH from CLIENT (d0,
@@ -50,6 +52,9 @@ public:
     /** Ends it with SIGTERM, or without warning with SIGKILL, and waits until it is gone. */
     bool stop();
     bool kill();
+    /** Stops it in the middle of whatever it does, with all connections open, and lets it go on. */
+    void freeze() { m_process.sendSignal(SIGSTOP); }
+    void thaw() { m_process.sendSignal(SIGCONT); }
 
     /** The log of this run, without time stamps. */
     const QStringList &lines() const { return m_process.lines(); }

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr int TrickleMs = 20;
+
 QString keyOf(const HttpServer::Request &request)
 {
     const QString path = QUrl::fromEncoded(request.target).path();
@@ -93,6 +95,17 @@ void ImageServer::behave(const Behaviour &behaviour, QTcpSocket *socket)
         socket->write("HTTP/1.1 200 OK\r\nContent-Type: image/jpeg\r\n\r\n");
         flood(socket);
         connect(socket, &QTcpSocket::bytesWritten, this, [socket] { flood(socket); });
+        break;
+    case Behaviour::Trickle: {
+        socket->write("HTTP/1.1 200 OK\r\nContent-Type: image/jpeg\r\n\r\n");
+        auto *const pace = new QTimer(socket);
+        connect(pace, &QTimer::timeout, socket, [socket] { socket->write("x"); });
+        pace->start(TrickleMs);
+        break;
+    }
+    case Behaviour::Raw:
+        socket->write(behaviour.file);
+        socket->disconnectFromHost();
         break;
     case Behaviour::Garbage:
         respond(socket, 200, "image/jpeg", "this is no picture");

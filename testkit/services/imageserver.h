@@ -23,7 +23,9 @@ public:
             Drop,    ///< the connection is closed without an answer
             Trouble, ///< status 500
             Garbage, ///< status 200, but the body is no picture
-            Endless  ///< status 200, and a body that never ends
+            Endless, ///< status 200, and a body that never ends
+            Trickle, ///< the same, a byte at a time
+            Raw      ///< what is in "file", head included, and then the end of the connection
         };
         Kind kind = Picture;
         QColor colour = Qt::white;

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/appliance.h"
-#include "testkit/likeness.h"
+#include "testkit/coverview.h"
 #include "testkit/waiting.h"
 
-#include <QMarginsF>
 #include <QTest>
 
 #include <csignal>
@@ -31,15 +30,6 @@ Behaviour trouble(Behaviour::Kind kind)
     Behaviour behaviour;
     behaviour.kind = kind;
     return behaviour;
-}
-
-const QMarginsF CoverFrame(4, 4, 4, 4);
-
-/** JPEG does not keep a colour exactly. */
-bool alike(const QColor &one, const QColor &other)
-{
-    return qAbs(one.red() - other.red()) < 16 && qAbs(one.green() - other.green()) < 16
-        && qAbs(one.blue() - other.blue()) < 16;
 }
 
 } // namespace
@@ -79,12 +69,9 @@ private slots:
 
 private:
     void play(const QString &key);
-    QColor coverColour();
-    /** The logo is not of one colour; its corner differs from every cover used here. */
-    bool showsCover(const QColor &colour) { return alike(coverColour(), colour); }
+    bool showsCover(const QColor &colour) { return CoverView::shows(probe(), colour); }
     /** The part of the page that is of this colour; null where nothing is. */
     QRect partIn(const QColor &colour);
-    bool showsLogo();
     // A picture takes its time, which QTRY_VERIFY would not count.
     bool coverBecomes(const QColor &colour)
     {
@@ -92,8 +79,10 @@ private:
     }
     bool coverBecomesLogo()
     {
-        return waitUntil([&] { return showsLogo(); });
+        return waitUntil([&] { return CoverView::showsLogo(probe()); });
     }
+
+    Probe &probe() { return m_appliance->program.probe(); }
 
     std::unique_ptr<Appliance> m_appliance;
     bool m_complaintsExpected = false;
@@ -153,7 +142,7 @@ void TestCoverArt::anyShapeIsSeenWhole()
     m_appliance->images.setBehaviour("red", behaviour);
     play("red");
     QVERIFY(waitUntil([&] { return partIn(Qt::red).isValid(); }));
-    const QRectF frame = m_appliance->program.probe().area("cover") - CoverFrame;
+    const QRectF frame = CoverView::area(probe());
     QRectF place(QPointF(), QSizeF(size).scaled(frame.size(), Qt::KeepAspectRatio));
     place.moveCenter(frame.center());
     const QRect part = partIn(Qt::red);
@@ -472,15 +461,6 @@ void TestCoverArt::play(const QString &key)
     m_appliance->publishZone("nowPlaying/imageKey", key.toUtf8());
 }
 
-QColor TestCoverArt::coverColour()
-{
-    Probe &probe = m_appliance->program.probe();
-    const QRectF cover = probe.area("coverPicture");
-    const QImage image = probe.picture();
-    const QPoint place = cover.topLeft().toPoint() + QPoint(20, 20);
-    return image.valid(place) ? image.pixelColor(place) : QColor();
-}
-
 QRect TestCoverArt::partIn(const QColor &colour)
 {
     const QImage page = m_appliance->program.probe().picture();
@@ -492,13 +472,6 @@ QRect TestCoverArt::partIn(const QColor &colour)
         }
     }
     return part;
-}
-
-bool TestCoverArt::showsLogo()
-{
-    Probe &probe = m_appliance->program.probe();
-    const QString logo = "images/Velunor_logo_v020-07.png";
-    return drawnFile(probe.picture(), probe.area("cover") - CoverFrame, { logo }) == logo;
 }
 
 QTEST_GUILESS_MAIN(TestCoverArt)

@@ -3,7 +3,7 @@
 
 #include <QtGlobal>
 
-/** What the kernel says of a running process. Each ends the benchmark when it cannot be read. */
+/** What the kernel says of a running process. Each ends the program when it cannot be read. */
 namespace ProcessFigures {
 
 /** Proportional set size in KiB: resident memory, with a share of what other processes use too. */
@@ -11,6 +11,17 @@ qint64 pssKiB(qint64 process);
 
 /** Memory that belongs to the process alone, in KiB. */
 qint64 privateKiB(qint64 process);
+
+/**
+ * The same without what comes from files, in KiB. Pages of files belong to the process alone only
+ * as long as nobody else uses them.
+ */
+qint64 anonymousKiB(qint64 process);
+
+/** Resident memory in KiB, shared or not: now, and at its highest since forgetPeak(). */
+qint64 residentKiB(qint64 process);
+qint64 peakKiB(qint64 process);
+void forgetPeak(qint64 process);
 
 /** How many descriptors are open. */
 int openFiles(qint64 process);

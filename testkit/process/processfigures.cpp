@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "processfigures.h"
-
-#include "eventwait.h"
+#include "testkit/process/processfigures.h"
 
 #include <QDir>
 #include <QFile>
+#include <QTest>
 
 #include <unistd.h>
 
 namespace {
 
 constexpr int RestMs = 1000;
+constexpr int LongestUnrestMs = 60000;
 
 QString directoryOf(qint64 process)
 {
@@ -48,6 +48,28 @@ qint64 ProcessFigures::privateKiB(qint64 process)
     return labelled(text, "Private_Clean:") + labelled(text, "Private_Dirty:");
 }
 
+qint64 ProcessFigures::anonymousKiB(qint64 process)
+{
+    return labelled(contents(directoryOf(process) + QStringLiteral("/smaps_rollup")), "Anonymous:");
+}
+
+qint64 ProcessFigures::residentKiB(qint64 process)
+{
+    return labelled(contents(directoryOf(process) + QStringLiteral("/status")), "VmRSS:");
+}
+
+qint64 ProcessFigures::peakKiB(qint64 process)
+{
+    return labelled(contents(directoryOf(process) + QStringLiteral("/status")), "VmHWM:");
+}
+
+void ProcessFigures::forgetPeak(qint64 process)
+{
+    QFile file(directoryOf(process) + QStringLiteral("/clear_refs"));
+    if (!file.open(QIODevice::WriteOnly) || file.write("5") != 1)
+        qFatal("cannot write %s", qPrintable(file.fileName()));
+}
+
 int ProcessFigures::openFiles(qint64 process)
 {
     return QDir(directoryOf(process) + QStringLiteral("/fd"))
@@ -83,9 +105,9 @@ qint64 ProcessFigures::voluntarySwitches(qint64 process)
 
 bool ProcessFigures::waitUntilAtRest(qint64 process)
 {
-    for (int i = 0; i < PatienceForEventMs / RestMs; ++i) {
+    for (int i = 0; i < LongestUnrestMs / RestMs; ++i) {
         const qint64 before = processorMs(process);
-        serveEvents(RestMs);
+        QTest::qWait(RestMs);
         if (processorMs(process) == before)
             return true;
     }
