@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "qmqttclient_p.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QRandomGenerator>
 
 #include <algorithm>
@@ -8,6 +9,9 @@
 namespace {
 constexpr int ClientIdLength = 23; // the longest id that every broker must accept
 constexpr quint8 HighestQos = 2;
+/** How long events are handed on before the event loop gets its turn; less than a frame at 60 Hz.
+ */
+constexpr int TurnMs = 10;
 
 QString randomClientId()
 {
@@ -169,7 +173,8 @@ void QMqttClientPrivate::deliver()
     // at once, would otherwise never let the event loop have its turn.
     const QPointer<QMqttClient> alive(q);
     const QPointer<QMqttConnection> source(m_connection.get());
-    for (int i = 0; i < QMqttConnection::PacketsPerTurn; ++i) {
+    const QDeadlineTimer end(TurnMs);
+    for (int i = 0; i < QMqttConnection::PacketsPerTurn && !end.hasExpired(); ++i) {
         if (!source || source != m_connection.get() || !source->hasEvents())
             break;
         const QMqttConnection::Event event = source->takeEvent();

@@ -43,7 +43,7 @@ public:
      * How many packets are read, and how many events are to be taken, before the event loop gets
      * its turn again, so that a flood does not freeze the display.
      */
-    static constexpr int PacketsPerTurn = 64;
+    static constexpr int PacketsPerTurn = 512;
 
     struct Accepted {
         bool sessionRestored;
