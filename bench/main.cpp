@@ -10,6 +10,7 @@
 #include "testkit/services/brokerclient.h"
 #include "throughput.h"
 
+#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QVector>
 
@@ -19,6 +20,7 @@
 
 namespace {
 
+/** Connects only for as long as it takes, so that the broker serves nobody but who is measured. */
 bool publish(PlayingZone &zone)
 {
     BrokerClient services;
@@ -31,42 +33,54 @@ bool publish(PlayingZone &zone)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    const QCommandLineOption figures(
+        QStringLiteral("figures"), QStringLiteral("writes the table there as well"), "FILE");
+    parser.addOption(figures);
+    parser.addHelpOption();
+    parser.process(application);
+
     Display display;
     Broker broker(Broker::Subscriptions);
     PlayingZone zone;
     Report report;
-    const QVector<QPair<QString, std::function<bool(BrokerClient &)>>> measurements {
-        { QStringLiteral("startup"),
-            [&](BrokerClient &) { return measureStartup(display, report); } },
-        { QStringLiteral("memory"),
-            [&](BrokerClient &services) { return measureMemory(services, display, report); } },
-        { QStringLiteral("latency"),
-            [&](BrokerClient &services) { return measureLatency(services, display, report); } },
-        { QStringLiteral("idle"),
-            [&](BrokerClient &services) { return measureIdle(services, display, report); } },
-    };
-    const QString throughput = QStringLiteral("throughput");
-    const QStringList named = QCoreApplication::arguments().mid(1);
-    // All of it takes minutes, so it says what is going on.
-    const auto wanted = [&](const QString &name) {
-        if (!named.isEmpty() && !named.contains(name))
-            return false;
-        std::fprintf(stderr, "measuring: %s...\n", qPrintable(name));
-        return true;
-    };
-
-    if (!display.start() || !broker.start() || !publish(zone))
-        return EXIT_FAILURE;
-    // First, while no other client makes the broker send the stream once more.
-    if (wanted(throughput) && !measureThroughput(broker, display, report))
-        return EXIT_FAILURE;
     BrokerClient services;
-    if (!services.connectToBroker())
+    const QString throughput = QStringLiteral("throughput");
+    const QVector<QPair<QString, std::function<bool()>>> measurements {
+        // First, while no other client makes the broker send the stream once more.
+        { throughput, [&] { return measureThroughput(broker, display, report); } },
+        { QStringLiteral("startup"), [&] { return measureStartup(display, report); } },
+        { QStringLiteral("memory"), [&] { return measureMemory(services, display, report); } },
+        { QStringLiteral("latency"), [&] { return measureLatency(services, display, report); } },
+        { QStringLiteral("idle"), [&] { return measureIdle(services, display, report); } },
+    };
+    QStringList known;
+    for (const auto &measurement : measurements)
+        known.append(measurement.first);
+    const QStringList named = parser.positionalArguments();
+    for (const QString &name : named) {
+        if (!known.contains(name)) {
+            std::fprintf(stderr, "%s is none of: %s\n", qPrintable(name),
+                qPrintable(known.join(QStringLiteral(", "))));
+            return EXIT_FAILURE;
+        }
+    }
+
+    if (!display.start() || !broker.start())
         return EXIT_FAILURE;
+    bool isConnected = false;
     for (const auto &measurement : measurements) {
-        if (wanted(measurement.first) && !measurement.second(services))
+        if (!named.isEmpty() && !named.contains(measurement.first))
+            continue;
+        // All of it takes minutes, so it says what is going on.
+        std::fprintf(stderr, "measuring: %s...\n", qPrintable(measurement.first));
+        report.begin(measurement.first);
+        if (measurement.first != throughput && !isConnected)
+            isConnected = services.connectToBroker();
+        if (!publish(zone) || !measurement.second())
             return EXIT_FAILURE;
     }
     report.print();
-    return EXIT_SUCCESS;
+    return !parser.isSet(figures) || report.write(parser.value(figures)) ? EXIT_SUCCESS
+                                                                         : EXIT_FAILURE;
 }
