@@ -5,7 +5,8 @@ class Display;
 class Report;
 
 /**
- * Time from the start of the process to READY=1 against the bare window, in turns. The broker must
- * be running. False, with a message, when it could not be measured.
+ * Time from the start of the process to READY=1, and to the first frame that shows the first page
+ * as it stays, against the bare window, in turns. The broker must be running. False, with a
+ * message, when it could not be measured.
  */
 bool measureStartup(const Display &display, Report &report);
