@@ -2,6 +2,7 @@
 #include "idle.h"
 #include "latency.h"
 #include "memory.h"
+#include "playing.h"
 #include "playingzone.h"
 #include "report.h"
 #include "startup.h"
@@ -52,6 +53,7 @@ int main(int argc, char *argv[])
         { QStringLiteral("startup"), [&] { return measureStartup(display, report); } },
         { QStringLiteral("memory"), [&] { return measureMemory(services, display, report); } },
         { QStringLiteral("latency"), [&] { return measureLatency(services, display, report); } },
+        { QStringLiteral("playing"), [&] { return measurePlaying(services, display, report); } },
         { QStringLiteral("idle"), [&] { return measureIdle(services, display, report); } },
     };
     QStringList known;

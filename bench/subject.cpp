@@ -3,6 +3,12 @@
 
 #include "playingzone.h"
 
+namespace {
+
+const QString SceneVariable = QStringLiteral("TOUCHUI_BARE_SCENE");
+
+} // namespace
+
 void Subject::prepareProbedProgram(Program &program, Platform platform, const Display &display)
 {
     program.unsetEnvironment(QStringLiteral("TOUCHUI_DEBUG"));
@@ -17,10 +23,15 @@ void Subject::prepareProgram(Program &program, Platform platform, const Display 
     program.unsetEnvironment(QStringLiteral("QT_QPA_GENERIC_PLUGINS"));
 }
 
-void Subject::prepareBareWindow(Program &program, Platform platform, const Display &display)
+void Subject::prepareBareWindow(
+    Program &program, Platform platform, const Display &display, Motion motion)
 {
     prepareProgram(program, platform, display);
     program.setExecutable(QStringLiteral(TOUCHUI_BARE_WINDOW));
+    if (motion == Ticking)
+        program.setEnvironment(SceneVariable, QStringLiteral("qrc:/ticking_text.qml"));
+    else if (motion == Running)
+        program.setEnvironment(SceneVariable, QStringLiteral("qrc:/running_text.qml"));
 }
 
 bool Subject::showsPlayer(Program &program)

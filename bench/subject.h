@@ -16,8 +16,15 @@ enum Platform {
 void prepareProgram(Program &program, Platform platform, const Display &display);
 /** The same with the probe loaded, which makes the program larger and its start longer. */
 void prepareProbedProgram(Program &program, Platform platform, const Display &display);
+/** What the one text of the bare window does. */
+enum Motion {
+    Still,
+    Ticking, ///< changes once a second
+    Running, ///< moves from right to left, again and again
+};
 /** Readies the window with one text instead. */
-void prepareBareWindow(Program &program, Platform platform, const Display &display);
+void prepareBareWindow(
+    Program &program, Platform platform, const Display &display, Motion motion = Still);
 
 /** Waits until the player page is on view and has its cover; false when that never comes. */
 bool showsPlayer(Program &program);

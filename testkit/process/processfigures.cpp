@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QTest>
 
+#include <ctime>
 #include <unistd.h>
 
 namespace {
@@ -92,15 +93,28 @@ qint64 ProcessFigures::processorMs(qint64 process)
         / ::sysconf(_SC_CLK_TCK);
 }
 
-qint64 ProcessFigures::voluntarySwitches(qint64 process)
+qint64 ProcessFigures::processorNs(qint64 process)
+{
+    clockid_t clock = {};
+    timespec time = {};
+    if (::clock_getcpuclockid(static_cast<pid_t>(process), &clock) != 0
+        || ::clock_gettime(clock, &time) != 0)
+        qFatal("the kernel does not tell the processor time of %lld", process);
+    return qint64(time.tv_sec) * 1000000000 + time.tv_nsec;
+}
+
+QMap<QString, qint64> ProcessFigures::voluntarySwitches(qint64 process)
 {
     const QString directory = directoryOf(process) + QStringLiteral("/task/");
     const QStringList threads = QDir(directory).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    qint64 sum = 0;
-    for (const QString &thread : threads)
-        sum += labelled(
-            contents(directory + thread + QStringLiteral("/status")), "voluntary_ctxt_switches:");
-    return sum;
+    QMap<QString, qint64> switches;
+    for (const QString &thread : threads) {
+        const QByteArray status = contents(directory + thread + QStringLiteral("/status"));
+        const QByteArray name = contents(directory + thread + QStringLiteral("/comm")).trimmed();
+        switches.insert(thread + QLatin1Char(' ') + QString::fromLocal8Bit(name),
+            labelled(status, "voluntary_ctxt_switches:"));
+    }
+    return switches;
 }
 
 bool ProcessFigures::waitUntilAtRest(qint64 process)

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QtGlobal>
+#include <QMap>
+#include <QString>
 
 /** What the kernel says of a running process. Each ends the program when it cannot be read. */
 namespace ProcessFigures {
@@ -32,8 +33,11 @@ int threads(qint64 process);
 /** Processor time of all threads in milliseconds, including those that have ended. */
 qint64 processorMs(qint64 process);
 
-/** How often the threads that are alive have gone to sleep of their own accord. */
-qint64 voluntarySwitches(qint64 process);
+/** The same in nanoseconds, as the scheduler counts it. */
+qint64 processorNs(qint64 process);
+
+/** How often each thread that is alive has gone to sleep of its own accord, by number and name. */
+QMap<QString, qint64> voluntarySwitches(qint64 process);
 
 /** Waits until the process has used no processor time for a second; false when it never rests. */
 bool waitUntilAtRest(qint64 process);
