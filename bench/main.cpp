@@ -2,6 +2,7 @@
 #include "idle.h"
 #include "latency.h"
 #include "memory.h"
+#include "pageswitches.h"
 #include "playing.h"
 #include "playingzone.h"
 #include "report.h"
@@ -55,6 +56,8 @@ int main(int argc, char *argv[])
         { QStringLiteral("latency"), [&] { return measureLatency(services, display, report); } },
         { QStringLiteral("playing"), [&] { return measurePlaying(services, display, report); } },
         { QStringLiteral("idle"), [&] { return measureIdle(services, display, report); } },
+        { QStringLiteral("pages"),
+            [&] { return measurePageSwitches(services, zone, display, report); } },
     };
     QStringList known;
     for (const auto &measurement : measurements)
