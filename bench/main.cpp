@@ -2,6 +2,7 @@
 #include "idle.h"
 #include "latency.h"
 #include "memory.h"
+#include "messagecost.h"
 #include "pageswitches.h"
 #include "playing.h"
 #include "playingzone.h"
@@ -58,6 +59,7 @@ int main(int argc, char *argv[])
         { QStringLiteral("idle"), [&] { return measureIdle(services, display, report); } },
         { QStringLiteral("pages"),
             [&] { return measurePageSwitches(services, zone, display, report); } },
+        { QStringLiteral("cost"), [&] { return measureMessageCost(report); } },
     };
     QStringList known;
     for (const auto &measurement : measurements)

@@ -9,9 +9,14 @@ QString PlayingZone::name()
     return QStringLiteral("Kitchen");
 }
 
+QString PlayingZone::id()
+{
+    return QStringLiteral("z1");
+}
+
 QString PlayingZone::topic(const QString &key)
 {
-    return Topics::zone(QStringLiteral("z1"), key.toLatin1());
+    return Topics::zone(id(), key.toLatin1());
 }
 
 bool PlayingZone::publish(BrokerClient &services)

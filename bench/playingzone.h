@@ -12,6 +12,8 @@ class PlayingZone {
 public:
     /** The zone's display name. */
     static QString name();
+    /** Its id, by which it is addressed. */
+    static QString id();
     /** The topic of one of the zone's keys, for example "nowPlaying/song". */
     static QString topic(const QString &key);
 

@@ -4,6 +4,7 @@
 #include "eventwait.h"
 #include "playingzone.h"
 #include "simulator/services/topics.h"
+#include "streammessage.h"
 
 namespace {
 
@@ -38,18 +39,9 @@ QByteArray publication(const QByteArray &topic, const QByteArray &payload)
 Stream::Stream(int messages)
     : m_messages(messages)
 {
-    const QByteArray position
-        = PlayingZone::topic(QStringLiteral("nowPlaying/seekPosition")).toUtf8();
-    const QByteArray volume = PlayingZone::topic(QStringLiteral("volume/value")).toUtf8();
-    const QByteArray song = PlayingZone::topic(QStringLiteral("nowPlaying/song")).toUtf8();
     for (int i = 0; i < messages; ++i) {
-        const QByteArray number = QByteArray::number(i);
-        if (i % 20 == 10)
-            m_packets += publication(volume, QByteArray::number(41 + i / 20 % 50));
-        else if (i % 20 == 0)
-            m_packets += publication(song, "Track number " + number);
-        else
-            m_packets += publication(position, number);
+        const StreamMessage message = StreamMessage::numbered(i, PlayingZone::id());
+        m_packets += publication(message.topic.toUtf8(), message.payload);
     }
 }
 

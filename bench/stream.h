@@ -5,8 +5,7 @@
 #include <QTcpSocket>
 
 /**
- * What a playing zone publishes, many hours of it at once: the position in the track, a volume that
- * is turned, titles. Every message changes a property that the player notifies.
+ * What the playing zone publishes, see StreamMessage, all at once.
  *
  * The packets are put together beforehand and written to the broker as they are, so that the cost
  * of publishing is not part of what is measured.
