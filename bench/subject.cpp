@@ -3,15 +3,25 @@
 
 #include "playingzone.h"
 
+#include <QTemporaryDir>
+
 namespace {
 
 const QString SceneVariable = QStringLiteral("TOUCHUI_BARE_SCENE");
+
+/** Where the driver keeps compiled shaders from one start to the next, as for the service. */
+QString cacheDirectory()
+{
+    static const QTemporaryDir directory;
+    return directory.path();
+}
 
 } // namespace
 
 void Subject::prepareProbedProgram(Program &program, Platform platform, const Display &display)
 {
     program.unsetEnvironment(QStringLiteral("TOUCHUI_DEBUG"));
+    program.setEnvironment(QStringLiteral("XDG_CACHE_HOME"), cacheDirectory());
     program.setEnvironment(QStringLiteral("VELUNOR_TOUCHUI_CONTROL_ZONE"), PlayingZone::name());
     if (platform == OpenGl)
         program.drawOn(display.name());
