@@ -3,7 +3,14 @@
 
 #include "testkit/waiting.h"
 
+#include <QElapsedTimer>
 #include <QJsonDocument>
+
+namespace {
+
+constexpr int PatienceForOneMs = 5000;
+
+} // namespace
 
 bool JsonPeer::connectTo(const QString &path, int milliseconds)
 {
@@ -18,21 +25,51 @@ bool JsonPeer::connectTo(const QString &path, int milliseconds)
 
 QJsonObject JsonPeer::ask(const QString &command, const QJsonObject &arguments, int milliseconds)
 {
+    write(command, arguments);
+    return answer(milliseconds);
+}
+
+bool JsonPeer::synchronise(const QString &command, int milliseconds)
+{
+    QElapsedTimer time;
+    time.start();
+    // Asked again and again: one question may have gone down with the machine.
+    while (isConnected() && time.elapsed() < milliseconds) {
+        const int number = ++m_questions;
+        write(command, { { QStringLiteral("id"), number } });
+        for (;;) {
+            const QJsonObject heard = answer(PatienceForOneMs);
+            if (heard.isEmpty())
+                break;
+            if (heard.value(QStringLiteral("return")).toInt() == number)
+                return true;
+        }
+    }
+    return false;
+}
+
+void JsonPeer::write(const QString &command, const QJsonObject &arguments)
+{
     QJsonObject request { { QStringLiteral("execute"), command } };
     if (!arguments.isEmpty())
         request.insert(QStringLiteral("arguments"), arguments);
     m_socket.write(QJsonDocument(request).toJson(QJsonDocument::Compact) + '\n');
-    QJsonObject answer;
+}
+
+/** The next line that is an answer, and not the report of an event. */
+QJsonObject JsonPeer::answer(int milliseconds)
+{
+    QJsonObject heard;
     waitUntil(
         [&] {
-            while (answer.isEmpty() && m_socket.canReadLine()) {
+            while (heard.isEmpty() && m_socket.canReadLine()) {
                 const QJsonObject line = QJsonDocument::fromJson(m_socket.readLine()).object();
                 if (line.contains(QStringLiteral("return"))
                     || line.contains(QStringLiteral("error")))
-                    answer = line;
+                    heard = line;
             }
-            return !answer.isEmpty() || !isConnected();
+            return !heard.isEmpty() || !isConnected();
         },
         milliseconds);
-    return answer;
+    return heard;
 }

@@ -22,6 +22,16 @@ public:
      */
     QJsonObject ask(const QString &command, const QJsonObject &arguments, int milliseconds);
 
+    /**
+     * Waits until the peer answers a command that gives back its "id", and passes over what it had
+     * still to say to former questions, so that the next answer belongs to the next question.
+     */
+    bool synchronise(const QString &command, int milliseconds);
+
 private:
+    void write(const QString &command, const QJsonObject &arguments);
+    QJsonObject answer(int milliseconds);
+
     QLocalSocket m_socket;
+    int m_questions = 0;
 };

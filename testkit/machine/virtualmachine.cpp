@@ -230,7 +230,7 @@ VirtualMachine::Outcome VirtualMachine::run(const QString &command, int millisec
 
 bool VirtualMachine::waitForAgent(int milliseconds)
 {
-    return !m_agent.ask(QStringLiteral("guest-ping"), {}, milliseconds).isEmpty();
+    return m_agent.synchronise(QStringLiteral("guest-sync"), milliseconds);
 }
 
 VirtualMachine::Outcome VirtualMachine::look(const QString &command)
