@@ -3,10 +3,10 @@
 
 #include "eventwait.h"
 #include "playingzone.h"
-#include "testkit/process/processfigures.h"
 #include "report.h"
 #include "statistics.h"
 #include "subject.h"
+#include "testkit/process/processfigures.h"
 #include "testkit/services/brokerclient.h"
 #include "testkit/services/notifysocket.h"
 

@@ -4,6 +4,7 @@
 #include "callgrindprofile.h"
 #include "eventwait.h"
 #include "report.h"
+#include "streammessage.h"
 #include "testkit/process/process.h"
 
 #include <QDir>
@@ -15,7 +16,6 @@
 
 namespace {
 
-constexpr int MessagesCounted = 100;
 constexpr int MostMessages = 1000000;
 constexpr int MostZones = 1000;
 constexpr int LongestMs = 1800000;
@@ -61,7 +61,7 @@ QMap<QByteArray, Costs> readCosts(const QString &directory)
         const QList<QByteArray> name = profile.name.split(' ');
         if (name.size() == 2)
             costs[name.first()].insert(
-                name.last().toInt(), double(profile.instructions) / MessagesCounted);
+                name.last().toInt(), double(profile.instructions) / StreamMessage::Window);
     }
     return costs;
 }

@@ -9,6 +9,9 @@
  * that is turned, titles. Each changes a property that the player notifies.
  */
 struct StreamMessage {
+    /** So many of them are counted at once; their mix repeats with twenty. */
+    static constexpr int Window = 100;
+
     QString topic;
     QByteArray payload;
 

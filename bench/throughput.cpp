@@ -3,11 +3,11 @@
 
 #include "eventwait.h"
 #include "playingzone.h"
-#include "testkit/process/processfigures.h"
 #include "report.h"
 #include "statistics.h"
 #include "stream.h"
 #include "subject.h"
+#include "testkit/process/processfigures.h"
 #include "testkit/services/broker.h"
 
 #include <QElapsedTimer>

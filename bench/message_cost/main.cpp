@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr int Window = 100; // messages whose instructions are counted; the mix repeats with 20
 constexpr int Contents = 1000;
 
 QString zoneId(int number)
@@ -38,14 +37,15 @@ public:
     void receiveUntil(int received, const QString &zone)
     {
         for (int i = 0; m_received < received; ++i)
-            receive(StreamMessage::numbered(Window + i % (Contents - Window), zone));
+            receive(StreamMessage::numbered(
+                StreamMessage::Window + i % (Contents - StreamMessage::Window), zone));
     }
 
     /** Counts the instructions of the same messages each time, under this name. */
     void measure(const QByteArray &name, const QString &zone)
     {
         QVector<StreamMessage> messages;
-        for (int i = 0; i < Window; ++i)
+        for (int i = 0; i < StreamMessage::Window; ++i)
             messages.append(StreamMessage::numbered(i, zone));
         CALLGRIND_START_INSTRUMENTATION;
         CALLGRIND_ZERO_STATS;

@@ -9,8 +9,7 @@
 namespace {
 constexpr int ClientIdLength = 23; // the longest id that every broker must accept
 constexpr quint8 HighestQos = 2;
-/** How long events are handed on before the event loop gets its turn; less than a frame at 60 Hz.
- */
+/** How long events are handed on before the event loop gets its turn: less than a frame takes. */
 constexpr int TurnMs = 10;
 
 QString randomClientId()

@@ -34,6 +34,14 @@ public:
         int failures = 0;          ///< so many requests get status 500 before the behaviour begins
         QSize size = { 402, 402 }; ///< pixels; by default what the service is asked for
         QByteArray file = {};      ///< a picture that is sent as it is; its colour does not count
+
+        /** Nothing but this kind. */
+        static Behaviour of(Kind kind)
+        {
+            Behaviour behaviour;
+            behaviour.kind = kind;
+            return behaviour;
+        }
     };
 
     /** Listens at once.  Ends the test program when that is impossible. */

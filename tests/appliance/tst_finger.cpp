@@ -19,7 +19,6 @@ class TestFinger : public MachineTest {
     Q_OBJECT
 
 private slots:
-
     void aTouchOnPlayArrivesAtTheBroker();
     void touchesLeadToTheClockToBlackAndBack();
     void theSettingsPageDimsThePanel();

@@ -30,7 +30,7 @@ void TestMaintenance::anUpgradeShowsTheNewProgram()
     QVERIFY(machine().comesBack());
     QVERIFY(machine().process() != process);
     QVERIFY(does("grep --quiet '^Brightness=77' /data/velunor-touch.ini"));
-    QCOMPARE(machine().said("cat /sys/class/backlight/panel/brightness"), QByteArray("77"));
+    QCOMPARE(machine().panel("brightness"), QByteArray("77"));
     QCOMPARE(machine().said("systemctl --failed --plain --no-legend"), QByteArray());
 }
 

@@ -25,13 +25,6 @@ Behaviour picture(const QColor &colour, int delayMs = 0)
     return behaviour;
 }
 
-Behaviour trouble(Behaviour::Kind kind)
-{
-    Behaviour behaviour;
-    behaviour.kind = kind;
-    return behaviour;
-}
-
 } // namespace
 
 /** The player's cover with an image service in good and bad health. */
@@ -199,7 +192,7 @@ void TestCoverArt::aFailingServiceLeavesTheLogo()
 {
     QFETCH(int, kind);
     m_appliance->images.setBehaviour("red", picture(Qt::red));
-    m_appliance->images.setBehaviour("bad", trouble(Behaviour::Kind(kind)));
+    m_appliance->images.setBehaviour("bad", Behaviour::of(Behaviour::Kind(kind)));
     play("red");
     QVERIFY(coverBecomes(Qt::red));
     play("bad");
@@ -219,7 +212,7 @@ void TestCoverArt::aFailingServiceLeavesTheLogo()
 void TestCoverArt::garbageIsLeftBehindWithItsTrack()
 {
     m_complaintsExpected = true; // the engine says that it got no picture
-    m_appliance->images.setBehaviour("garbage", trouble(Behaviour::Garbage));
+    m_appliance->images.setBehaviour("garbage", Behaviour::of(Behaviour::Garbage));
     m_appliance->images.setBehaviour("red", picture(Qt::red));
     play("garbage");
     QVERIFY(m_appliance->program.waitForLine(Fetched));
@@ -244,7 +237,7 @@ void TestCoverArt::aLateCoverDoesNotReplaceTheWantedOne()
 void TestCoverArt::aHangingServiceDoesNotKeepTheNextCoverAway()
 {
     m_appliance->images.setBehaviour("red", picture(Qt::red));
-    m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
+    m_appliance->images.setBehaviour("hanging", Behaviour::of(Behaviour::Hang));
     m_appliance->images.setBehaviour("green", picture(Qt::green));
     play("red");
     QVERIFY(coverBecomes(Qt::red));
@@ -288,7 +281,7 @@ void TestCoverArt::aCoreThatMovesIsAskedAtItsNewAddress()
     QFETCH(int, kind);
     ImageServer other;
     other.setBehaviour("cover", picture(Qt::green));
-    Behaviour old = trouble(Behaviour::Kind(kind));
+    Behaviour old = Behaviour::of(Behaviour::Kind(kind));
     old.colour = Qt::red;
     m_appliance->images.setBehaviour("cover", old);
     play("cover");
@@ -304,7 +297,7 @@ void TestCoverArt::aCoreThatMovesIsAskedAtItsNewAddress()
 
 void TestCoverArt::messagesAndTouchesAreServedDuringTheWait()
 {
-    m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
+    m_appliance->images.setBehaviour("hanging", Behaviour::of(Behaviour::Hang));
     play("hanging");
     QTRY_COMPARE_WITH_TIMEOUT(m_appliance->images.requestsFor("hanging"), 1, PatienceMs);
     m_appliance->publishZone("nowPlaying/artist", "Somebody");
@@ -346,7 +339,7 @@ void TestCoverArt::thePageCanBeLeftDuringAFetch()
 {
     QFETCH(bool, hangs);
     m_appliance->images.setBehaviour(
-        "away", hangs ? trouble(Behaviour::Hang) : picture(Qt::red, 500));
+        "away", hangs ? Behaviour::of(Behaviour::Hang) : picture(Qt::red, 500));
     m_appliance->images.setBehaviour("back", picture(Qt::green));
     play("away");
     QTRY_COMPARE_WITH_TIMEOUT(m_appliance->images.requestsFor("away"), 1, PatienceMs);
@@ -362,7 +355,7 @@ void TestCoverArt::thePageCanBeLeftDuringAFetch()
 
 void TestCoverArt::theCoreCanGoDuringAFetch()
 {
-    m_appliance->images.setBehaviour("away", trouble(Behaviour::Hang));
+    m_appliance->images.setBehaviour("away", Behaviour::of(Behaviour::Hang));
     m_appliance->images.setBehaviour("back", picture(Qt::green));
     play("away");
     QTRY_COMPARE_WITH_TIMEOUT(m_appliance->images.requestsFor("away"), 1, PatienceMs);
@@ -387,7 +380,7 @@ void TestCoverArt::aPageThatIsLeftKeepsNoCoverFromTheNext_data()
 void TestCoverArt::aPageThatIsLeftKeepsNoCoverFromTheNext()
 {
     QFETCH(bool, byCore);
-    m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
+    m_appliance->images.setBehaviour("hanging", Behaviour::of(Behaviour::Hang));
     m_appliance->images.setBehaviour("last", picture(Qt::green));
     for (int burst = 0; burst < 5; ++burst) {
         play("hanging");
@@ -410,10 +403,10 @@ void TestCoverArt::pagesAndTracksChangeInAnyOrder()
 {
     m_complaintsExpected = true; // garbage is among the answers
     m_appliance->images.setBehaviour("slow", picture(Qt::red, 300));
-    m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
-    m_appliance->images.setBehaviour("dropping", trouble(Behaviour::Drop));
-    m_appliance->images.setBehaviour("trouble", trouble(Behaviour::Trouble));
-    m_appliance->images.setBehaviour("garbage", trouble(Behaviour::Garbage));
+    m_appliance->images.setBehaviour("hanging", Behaviour::of(Behaviour::Hang));
+    m_appliance->images.setBehaviour("dropping", Behaviour::of(Behaviour::Drop));
+    m_appliance->images.setBehaviour("trouble", Behaviour::of(Behaviour::Trouble));
+    m_appliance->images.setBehaviour("garbage", Behaviour::of(Behaviour::Garbage));
     m_appliance->images.setBehaviour("last", picture(Qt::green));
     const QStringList keys { "slow", "hanging", "dropping", "trouble", "garbage" };
     for (int round = 0; round < 60; ++round) {
@@ -442,7 +435,7 @@ void TestCoverArt::aSignalDuringAFetchEndsItCleanly_data()
 void TestCoverArt::aSignalDuringAFetchEndsItCleanly()
 {
     QFETCH(int, number);
-    m_appliance->images.setBehaviour("hanging", trouble(Behaviour::Hang));
+    m_appliance->images.setBehaviour("hanging", Behaviour::of(Behaviour::Hang));
     play("hanging");
     QTRY_COMPARE_WITH_TIMEOUT(m_appliance->images.requestsFor("hanging"), 1, PatienceMs);
     m_appliance->program.sendSignal(number);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "history/historygenerator.h"
 #include "history/shrinker.h"
-#include "history/topics.h"
+#include "history/topicbegin.h"
 #include "history/trial.h"
 #include "testkit/machine/panel.h"
 #include "testkit/services/broker.h"
@@ -140,7 +140,7 @@ void TestHistory::initTestCase()
     // What the histories hold is looked at in onlyOddTopicsAreNotDocumented().
     m_broker.allowUndocumented(Broker::Services);
     QVERIFY(m_services.startBroker(&m_broker));
-    m_services.publish(Topics::Spotify + "state", "playing", true);
+    m_services.publish(TopicBegin::Spotify + "state", "playing", true);
     QVERIFY(m_services.flush());
 }
 
@@ -203,9 +203,10 @@ void TestHistory::onlyOddTopicsAreNotDocumented()
                 unknown.append(step.topic);
         }
     }
-    QStringList odd { Topics::Core + "unknown", Topics::Zones + "/name", Topics::Zones + "z0",
-        Topics::Zones + "z0/unknown", Topics::Zones + "z0/settings",
-        Topics::Zones + "z0/nowPlaying", Topics::Settings + "unknown", Topics::State + "Unknown" };
+    QStringList odd { TopicBegin::Core + "unknown", TopicBegin::Zones + "/name",
+        TopicBegin::Zones + "z0", TopicBegin::Zones + "z0/unknown",
+        TopicBegin::Zones + "z0/settings", TopicBegin::Zones + "z0/nowPlaying",
+        TopicBegin::Settings + "unknown", TopicBegin::State + "Unknown" };
     unknown.sort();
     odd.sort();
     QCOMPARE(unknown, odd);
@@ -216,7 +217,7 @@ void TestHistory::anotherValueIsNoticed_data()
     QTest::addColumn<QString>("topic");
     QTest::addColumn<QByteArray>("payload");
     QTest::addColumn<QString>("where");
-    const QString zone = Topics::Zones + "z0/";
+    const QString zone = TopicBegin::Zones + "z0/";
     QTest::newRow("nothing") << QString() << QByteArray() << QString();
     QTest::newRow("title") << zone + "nowPlaying/song" << QByteArray("Other") << "songTitle";
     QTest::newRow("scrolling title")
@@ -224,10 +225,10 @@ void TestHistory::anotherValueIsNoticed_data()
     QTest::newRow("icon") << zone + "settings/loop" << QByteArray("disabled") << "loop/icon source";
     QTest::newRow("visibility") << zone + "is_next_allowed" << QByteArray("1") << "visibility";
     QTest::newRow("progress") << zone + "nowPlaying/seekPosition" << QByteArray("100") << "place";
-    QTest::newRow("cover") << Topics::Core + "serverUrl" << m_movedImages.address()
+    QTest::newRow("cover") << TopicBegin::Core + "serverUrl" << m_movedImages.address()
                            << "coverPicture pixels";
     QTest::newRow("range") << zone + "volume/soft_limit" << QByteArray("60") << "volume dialog: ";
-    QTest::newRow("zones") << Topics::AvailableZones
+    QTest::newRow("zones") << Topics::availableZones()
                            << QByteArray(R"([{"id":"z0","name":"Kitchen"},{"id":"z1","name":"A"}])")
                            << "zone chooser: ";
 }
@@ -237,10 +238,10 @@ void TestHistory::anotherValueIsNoticed()
     QFETCH(const QString, topic);
     QFETCH(const QByteArray, payload);
     QFETCH(const QString, where);
-    const QString zone = Topics::Zones + "z0/";
-    const History history { Step::message(Topics::Core + "serverUrl", m_images.address()),
-        Step::message(Topics::Core + "coreDetected", "true"),
-        Step::message(Topics::AvailableZones, R"([{"id":"z0","name":"Kitchen"}])"),
+    const QString zone = TopicBegin::Zones + "z0/";
+    const History history { Step::message(TopicBegin::Core + "serverUrl", m_images.address()),
+        Step::message(TopicBegin::Core + "coreDetected", "true"),
+        Step::message(Topics::availableZones(), R"([{"id":"z0","name":"Kitchen"}])"),
         Step::message(zone + "name", "Kitchen"), Step::message(zone + "state", "playing"),
         Step::message(zone + "nowPlaying/song", "Song"),
         Step::message(zone + "nowPlaying/imageKey", "red"),

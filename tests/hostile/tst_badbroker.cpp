@@ -9,8 +9,8 @@ using namespace PageNames;
 namespace {
 
 constexpr int Subscriptions = 7;
-constexpr int LargestPacket
-    = 268435455; // bytes after the head: what four digits of seven bits hold
+/** In bytes after the head: what four digits of seven bits hold. */
+constexpr int LargestPacket = 268435455;
 constexpr int Chunk = 1 << 20;
 
 QByteArray message(const QString &topic, const QByteArray &payload)

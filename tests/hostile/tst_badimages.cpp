@@ -83,13 +83,6 @@ Behaviour raw(const QByteArray &file)
     return behaviour;
 }
 
-Behaviour kind(Behaviour::Kind kind)
-{
-    Behaviour behaviour;
-    behaviour.kind = kind;
-    return behaviour;
-}
-
 } // namespace
 
 Q_DECLARE_METATYPE(ImageServer::Behaviour)
@@ -118,8 +111,8 @@ void TestBadImages::doesNoHarm_data()
     // Reading stops at 32 MB, of which there is a copy for the decoder. What was freed of
     // it stays with the allocator for a while.
     constexpr int Full = 128;
-    row("a byte at a time", kind(Behaviour::Trickle), Logo, 16);
-    row("endless", kind(Behaviour::Endless), Nothing, Full);
+    row("a byte at a time", Behaviour::of(Behaviour::Trickle), Logo, 16);
+    row("endless", Behaviour::of(Behaviour::Endless), Nothing, Full);
     row("100 MB", raw(jpeg(QByteArray(100 * MiB, 'x'))), Nothing, Full);
     row("half a picture", raw(jpeg(cover().left(cover().size() / 2))), Part, 16);
     row("garbage", raw(jpeg("this is no picture")), Nothing, 16);

@@ -216,7 +216,11 @@ void TestOnView::itIsSeenOnItsPages()
     const QJsonArray before = calmScene();
     bool differs = false;
     for (const QByteArray &example : entry(message).sent) {
+        const int logged = m_appliance->program.logSize();
         QVERIFY(publish({ { message, example } }));
+        if (message == "zoneNowPlayingImageKey") // its picture comes in its own time
+            QVERIFY(m_appliance->program.waitForLine(
+                Line::info("ImageProvider::requestImage() return fetched mage"), logged));
         differs = differs || calmScene() != before;
     }
     QCOMPARE(differs, !page.isEmpty());

@@ -162,7 +162,8 @@ Item {
                 Navigation.setScreen("Clock");
             }
             tryCompare(loader("Clock"), "status", Loader.Ready);
-            compare(alive(), ["Clock"]);
+            // The page that was left is finished before it goes, and may still be at it.
+            tryVerify(() => alive().join() === "Clock");
         }
 
         function test_aPageThatIsLeftWhileItIsBuiltIsFinishedAndThenGoes() {

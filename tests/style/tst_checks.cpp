@@ -38,6 +38,7 @@ const QList<File> CleanTree {
     { "testkit/process/process.h", "#include \"testkit/probe/probe.h\"\n" },
     { "testkit/services/broker.h", "#include \"testkit/process/process.h\"\n" },
     { "testkit/machine/panel.h", "#include \"testkit/process/process.h\"\n" },
+    { "fuzz/fuzz_zones.cpp", "#include \"player.h\"\n" },
     { "bench/main.cpp", "#include \"testkit/appliance.h\"\n" },
     { "tests/unit/helper.h", "#include \"player.h\"\n" },
     { "tests/unit/tst_two_words.cpp", "#include \"helper.h\"\n\nclass TestTwoWords;\n" },
@@ -162,6 +163,7 @@ void TestChecks::namesTheFault_data()
     include("testkit/services/fault.h", "\"testkit/appliance.h\"", "testkit/appliance.h");
     include(
         "testkit/machine/fault.h", "\"testkit/services/broker.h\"", "testkit/services/broker.h");
+    include("fuzz/fault.h", "\"testkit/waiting.h\"", "testkit/waiting.h");
     include("bench/fault.h", "\"player.h\"", "include/player.h");
     include("bench/fault.h", "\"tests/unit/helper.h\"", "tests/unit/helper.h");
     row("include with blanks", Includes, "src/fault.cpp",

@@ -97,7 +97,8 @@ public:
         /** The network connection could not be made, or was lost. */
         TransportInvalid = 256,
         /**
-         * What came was not MQTT, or not what the broker may send then; or the will cannot be sent.
+         * What came was not MQTT, or not what the broker may send then, or more than 16 MB and no
+         * message; or the will cannot be sent.
          */
         ProtocolViolation,
         /** Never reported. */
@@ -253,7 +254,7 @@ Q_SIGNALS:
     void disconnected();
     /**
      * A message came; exactly once for each, whatever number of subscriptions it matches, and also
-     * if there is none.
+     * if there is none.  One of more than 16 MB is dropped, with a warning.
      */
     void messageReceived(const QByteArray &message, const QMqttTopicName &topic = QMqttTopicName());
     /**

@@ -55,7 +55,7 @@ Q_SIGNALS:
     void qosChanged(quint8 qos);
     /**
      * A message matching topic() came while Subscribed or pending; emitted after the client's own
-     * signal.
+     * signal, and like that not for one that was dropped.
      */
     void messageReceived(QMqttMessage message);
 

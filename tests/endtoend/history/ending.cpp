@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ending.h"
 
-#include "topics.h"
+#include "topicbegin.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -52,7 +52,7 @@ void Ending::publish(const QString &topic, const QByteArray &payload)
 
 QString Ending::zoneTopic(const QString &key) const
 {
-    return Topics::Zones + m_zoneId + QLatin1Char('/') + key;
+    return TopicBegin::Zones + m_zoneId + QLatin1Char('/') + key;
 }
 
 /** The zone's id if the list of zones leaves no doubt which one it is. */
@@ -67,7 +67,7 @@ QString Ending::resolvedZone(const QString &name) const
 
 void Ending::core()
 {
-    const QString topic = Topics::Core + QStringLiteral("coreDetected");
+    const QString topic = TopicBegin::Core + QStringLiteral("coreDetected");
     if (!isTrue(m_values.value(topic)))
         publish(topic, "true");
 }
@@ -79,7 +79,7 @@ void Ending::zone(const QString &wantedZone)
         m_zoneId = QStringLiteral("last");
         const QJsonObject element { { QStringLiteral("id"), m_zoneId },
             { QStringLiteral("name"), wantedZone } };
-        publish(Topics::AvailableZones,
+        publish(Topics::availableZones(),
             QJsonDocument(QJsonArray { element }).toJson(QJsonDocument::Compact));
     }
     const QMap<QString, QString> &available = m_values.availableZones();
@@ -116,7 +116,7 @@ void Ending::volume(const History &history)
 
 void Ending::screenSaver()
 {
-    const QString topic = Topics::Settings + QStringLiteral("touchscreen_screensaver_time");
+    const QString topic = TopicBegin::Settings + QStringLiteral("touchscreen_screensaver_time");
     if (m_values.has(topic) && m_values.value(topic).toUInt() == 0)
         publish(topic, "10");
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "historygenerator.h"
 
-#include "topics.h"
+#include "topicbegin.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -90,14 +90,14 @@ void HistoryGenerator::publish(const QString &topic, const QByteArray &payload)
 
 void HistoryGenerator::publishZone(const QString &key, const QByteArray &payload)
 {
-    publish(Topics::Zones + m_zone + QLatin1Char('/') + key, payload);
+    publish(TopicBegin::Zones + m_zone + QLatin1Char('/') + key, payload);
 }
 
 void HistoryGenerator::beginning()
 {
-    publish(Topics::Core + "serverUrl", m_coreAddresses.first());
-    publish(Topics::Core + "coreDetected", "true");
-    publish(Topics::AvailableZones, R"([{"id":"z0","name":"Kitchen"}])");
+    publish(TopicBegin::Core + "serverUrl", m_coreAddresses.first());
+    publish(TopicBegin::Core + "coreDetected", "true");
+    publish(Topics::availableZones(), R"([{"id":"z0","name":"Kitchen"}])");
     publishZone("name", "Kitchen");
     publishZone("state", "playing");
     m_history.append(Step::wait());
@@ -106,9 +106,9 @@ void HistoryGenerator::beginning()
 void HistoryGenerator::returnToPlayer()
 {
     m_history.append(Step::touch(Step::Release, {}));
-    publish(Topics::Core + "coreDetected", "true");
+    publish(TopicBegin::Core + "coreDetected", "true");
     zoneList();
-    publish(Topics::Settings + "touchscreen_screensaver_time", "10");
+    publish(TopicBegin::Settings + "touchscreen_screensaver_time", "10");
     m_history.append(Step::wait());
     m_history.append(Step::goToPlayer());
 }
@@ -196,7 +196,7 @@ void HistoryGenerator::zoneList()
 {
     if (!m_calm && chance(8)) {
         static const QByteArrayList odd { "[]", "", "{}", "[{}]", "no list", R"([{"id":"z1"}])" };
-        publish(Topics::AvailableZones, oneOf(odd));
+        publish(Topics::availableZones(), oneOf(odd));
         return;
     }
     QJsonArray list;
@@ -216,7 +216,7 @@ void HistoryGenerator::zoneList()
         list.append(QJsonObject { { "id", id }, { "name", name } });
         m_zoneIds.append(id);
     }
-    publish(Topics::AvailableZones, QJsonDocument(list).toJson(QJsonDocument::Compact));
+    publish(Topics::availableZones(), QJsonDocument(list).toJson(QJsonDocument::Compact));
     // A group's service tells what it is, though not always at once.
     for (const QJsonValue &element : qAsConst(list)) {
         m_zone = element["id"].toString();
@@ -248,13 +248,13 @@ void HistoryGenerator::core()
     static const QByteArrayList names { "Core", "", "Other" };
     switch (below(4)) {
     case 0:
-        publish(Topics::Core + "coreDetected", m_calm || chance(75) ? "true" : flag());
+        publish(TopicBegin::Core + "coreDetected", m_calm || chance(75) ? "true" : flag());
         break;
     case 1:
-        publish(Topics::Core + "serverName", oneOf(names));
+        publish(TopicBegin::Core + "serverName", oneOf(names));
         break;
     default:
-        publish(Topics::Core + "serverUrl", oneOf(m_coreAddresses));
+        publish(TopicBegin::Core + "serverUrl", oneOf(m_coreAddresses));
         break;
     }
 }
@@ -267,30 +267,31 @@ void HistoryGenerator::setting()
     static const QByteArrayList colours { "grey", "green", "custom", "purple", "" };
     static const QByteArrayList times { "10", "5", "0", "300", "many" };
     if (chance(85))
-        publish(Topics::Settings + oneOf(flags), flag());
+        publish(TopicBegin::Settings + oneOf(flags), flag());
     else if (chance(60))
-        publish(Topics::Settings + "touchscreen_clockcolor", oneOf(colours));
+        publish(TopicBegin::Settings + "touchscreen_clockcolor", oneOf(colours));
     else
-        publish(Topics::Settings + "touchscreen_screensaver_time", m_calm ? "5" : oneOf(times));
+        publish(TopicBegin::Settings + "touchscreen_screensaver_time", m_calm ? "5" : oneOf(times));
 }
 
 void HistoryGenerator::state()
 {
     static const QStringList flags { "UpdateAvailable", "UpdateAvailable", "UpdateInhibited",
         "RequireReboot", "TimeSynced", "UpdateInfo" };
-    publish(Topics::State + oneOf(flags), flag());
+    publish(TopicBegin::State + oneOf(flags), flag());
 }
 
 /** What no service should send. */
 void HistoryGenerator::oddity()
 {
-    static const QStringList topics { Topics::Core + "unknown", Topics::Zones + "/name",
-        Topics::Zones + "z0", Topics::Zones + "z0/unknown", Topics::Zones + "z0/settings",
-        Topics::Zones + "z0/nowPlaying", Topics::Zones + "stranger/name", Topics::Zones + "z0/id",
-        Topics::Settings + "unknown", Topics::State + "Unknown", Topics::Spotify + "state",
-        Topics::RemoteControl + "connected" };
+    static const QStringList topics { TopicBegin::Core + "unknown", TopicBegin::Zones + "/name",
+        TopicBegin::Zones + "z0", TopicBegin::Zones + "z0/unknown",
+        TopicBegin::Zones + "z0/settings", TopicBegin::Zones + "z0/nowPlaying",
+        TopicBegin::Zones + "stranger/name", TopicBegin::Zones + "z0/id",
+        TopicBegin::Settings + "unknown", TopicBegin::State + "Unknown",
+        TopicBegin::Spotify + "state", Topics::connected() };
     if (!m_calm && chance(30))
-        publish(Topics::Command, chance(50) ? R"({"command":"toggle_standby"})" : "{");
+        publish(Topics::command(), chance(50) ? R"({"command":"toggle_standby"})" : "{");
     else
         publish(oneOf(topics), text());
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "lastvalues.h"
 
-#include "topics.h"
+#include "topicbegin.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -12,7 +12,7 @@ namespace {
 /** The zone's id in a topic about one zone. */
 QString zoneId(const QString &topic)
 {
-    return topic.mid(Topics::Zones.size()).section(QLatin1Char('/'), 0, 0);
+    return topic.mid(TopicBegin::Zones.size()).section(QLatin1Char('/'), 0, 0);
 }
 
 QMap<QString, QString> zonesIn(const QByteArray &list)
@@ -35,10 +35,10 @@ LastValues::LastValues(const History &history)
 
 void LastValues::add(const Step &step)
 {
-    if (step.kind != Step::Message || step.topic == Topics::Command)
+    if (step.kind != Step::Message || step.topic == Topics::command())
         return;
     m_values.insert(step.topic, step.payload);
-    if (step.topic != Topics::AvailableZones)
+    if (step.topic != Topics::availableZones())
         return;
     m_available = zonesIn(step.payload);
     dropStaleZones();
@@ -57,8 +57,8 @@ void LastValues::dropStaleZones()
     const QStringList available = m_available.values();
     for (auto value = m_values.begin(); value != m_values.end();) {
         const QString &topic = value.key();
-        const bool isStale = topic.startsWith(Topics::Zones) && topic != Topics::AvailableZones
-            && !available.contains(zoneId(topic));
+        const bool isStale = topic.startsWith(TopicBegin::Zones)
+            && topic != Topics::availableZones() && !available.contains(zoneId(topic));
         value = isStale ? m_values.erase(value) : std::next(value);
     }
 }

@@ -4,7 +4,7 @@
 #include "testkit/pagenames.h"
 #include "testkit/services/brokerclient.h"
 #include "testkit/waiting.h"
-#include "topics.h"
+#include "topicbegin.h"
 
 #include <QFile>
 
@@ -96,7 +96,7 @@ bool Subject::waitUntilHandled()
 {
     const QString marker = QStringLiteral("marker_%1").arg(++m_markers);
     const int from = m_program.logSize();
-    m_services->publish(Topics::Settings + marker, QByteArray());
+    m_services->publish(TopicBegin::Settings + marker, QByteArray());
     return (m_program.waitForLine(
                 Line::debug(QStringLiteral("Mqtt::updateSettings() ") + marker), from)
                && waitUntil([this] { return isPageReady(); }))
