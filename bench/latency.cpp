@@ -2,6 +2,7 @@
 #include "latency.h"
 
 #include "eventwait.h"
+#include "monotonicclock.h"
 #include "playingzone.h"
 #include "report.h"
 #include "statistics.h"
@@ -9,8 +10,6 @@
 #include "testkit/services/brokerclient.h"
 
 #include <QJsonArray>
-
-#include <chrono>
 
 namespace {
 
@@ -20,13 +19,6 @@ constexpr double FrameMs = 1000.0 / 60;
 /** In frames. A message may just miss one, and then waits for it and the frame itself. */
 constexpr double TouchGoal = 1;
 constexpr double PictureGoal = 2;
-
-using Clock = std::chrono::steady_clock; // the same in every process
-
-double milliseconds(Clock::duration duration)
-{
-    return std::chrono::duration<double, std::milli>(duration).count();
-}
 
 void add(Report &report, const QString &what, const QVector<double> &samples, double goal)
 {
@@ -52,7 +44,7 @@ bool measureTouches(BrokerClient &services, Program &program, Report &report)
             return false;
         }
         samples.append(
-            milliseconds(services.messages().first().arrival - program.probe().lastTouch()));
+            inMilliseconds(services.messages().first().arrival - program.probe().lastTouch()));
     }
     add(report, QStringLiteral("touch to command at the broker"), samples, TouchGoal);
     return true;
@@ -61,25 +53,25 @@ bool measureTouches(BrokerClient &services, Program &program, Report &report)
 bool measurePictures(BrokerClient &services, Program &program, Report &report)
 {
     program.probe().watch("seekPosition", QStringLiteral("text"));
-    QMap<QString, Clock::time_point> published;
+    QMap<QString, MonotonicClock::time_point> published;
     for (int i = 0; i < Samples; ++i) {
         serveEvents(DistanceMs);
         const int seconds = 10 + i;
         const QString text
             = QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
-        published.insert(text, Clock::now());
+        published.insert(text, MonotonicClock::now());
         services.publish(PlayingZone::topic(QStringLiteral("nowPlaying/seekPosition")),
             QByteArray::number(seconds), true);
     }
     serveEvents(1000);
-    const QMap<QString, Clock::time_point> seen = program.probe().seen();
+    const QMap<QString, MonotonicClock::time_point> seen = program.probe().seen();
     QVector<double> samples;
     for (auto message = published.cbegin(); message != published.cend(); ++message) {
         if (!seen.contains(message.key())) {
             qWarning("the message %s was not shown", qPrintable(message.key()));
             return false;
         }
-        samples.append(milliseconds(seen.value(message.key()) - message.value()));
+        samples.append(inMilliseconds(seen.value(message.key()) - message.value()));
     }
     add(report, QStringLiteral("message to picture"), samples, PictureGoal);
     return true;

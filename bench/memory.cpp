@@ -50,11 +50,7 @@ double sizeOfProgram(BrokerClient &services, Subject::Platform platform, const D
     Subject::prepareProgram(program, platform, display);
     if (!program.startAndWait() || !Subject::showsPlayer(program))
         return -1;
-    for (int second = 1; second <= SecondsPlayed; ++second) {
-        services.publish(PlayingZone::topic(QStringLiteral("nowPlaying/seekPosition")),
-            QByteArray::number(second), true);
-        serveEvents(1000);
-    }
+    PlayingZone::play(services, SecondsPlayed);
     return sizeAtRest(program, platform);
 }
 

@@ -7,15 +7,6 @@
 #include "subject.h"
 #include "testkit/pagenames.h"
 
-namespace {
-
-double milliseconds(std::chrono::steady_clock::duration duration)
-{
-    return std::chrono::duration<double, std::milli>(duration).count();
-}
-
-} // namespace
-
 PageTour::PageTour(
     BrokerClient &services, PlayingZone &zone, const Display &display, SwitchTimes &times)
     : m_services(services)
@@ -118,7 +109,7 @@ bool PageTour::go(const char *name, const QString &page, const std::function<boo
     const MonotonicClock::time_point complete = frames.complete().time;
     const MonotonicClock::time_point left = frames.firstOtherThan(m_picture).time;
     m_times.add(QString::fromLatin1(name),
-        { milliseconds(complete - m_decision), milliseconds(complete - left) });
+        { inMilliseconds(complete - m_decision), inMilliseconds(complete - left) });
     m_picture = frames.last().picture;
     return true;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "framepipe.h"
+#include "monotonicclock.h"
 #include "switchtimes.h"
 #include "testkit/machine/display.h"
 #include "testkit/process/program.h"
@@ -25,8 +26,6 @@ public:
     bool takeFoundCore();
 
 private:
-    using MonotonicClock = std::chrono::steady_clock; // the same in every process
-
     bool begin(bool coreFound);
     bool waitForWelcomeToEnd();
     bool touch(const char *name, const char *item, const QString &page);

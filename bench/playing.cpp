@@ -35,22 +35,12 @@ struct Loads {
     Load plain;
 };
 
-/** Has the program play, or the bare window go on, for the time of a sample. */
-void play(BrokerClient &services, int seconds)
-{
-    for (int second = 1; second <= seconds; ++second) {
-        services.publish(PlayingZone::topic(QStringLiteral("nowPlaying/seekPosition")),
-            QByteArray::number(second), true);
-        serveEvents(1000);
-    }
-}
-
 void sample(BrokerClient &services, const Program &program, FramePipe &pipe, Load &load)
 {
-    play(services, SettleSeconds);
+    PlayingZone::play(services, SettleSeconds);
     pipe.frames().clear();
     const qint64 before = ProcessFigures::processorNs(program.processId());
-    play(services, Seconds);
+    PlayingZone::play(services, Seconds);
     const qint64 after = ProcessFigures::processorNs(program.processId());
     load.processorMs.append(double(after - before) / 1e6 / Seconds);
     load.frames.append(double(pipe.frames().count()) / Seconds);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "playingzone.h"
 
+#include "eventwait.h"
 #include "simulator/services/topics.h"
 #include "testkit/services/opening.h"
 
@@ -12,6 +13,15 @@ QString PlayingZone::name()
 QString PlayingZone::id()
 {
     return QStringLiteral("z1");
+}
+
+void PlayingZone::play(BrokerClient &services, int seconds)
+{
+    for (int second = 1; second <= seconds; ++second) {
+        services.publish(
+            topic(QStringLiteral("nowPlaying/seekPosition")), QByteArray::number(second), true);
+        serveEvents(1000);
+    }
 }
 
 QString PlayingZone::topic(const QString &key)

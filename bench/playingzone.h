@@ -14,6 +14,8 @@ public:
     static QString name();
     /** Its id, by which it is addressed. */
     static QString id();
+    /** Goes on in its track for a time, in which events are served. */
+    static void play(BrokerClient &services, int seconds);
     /** The topic of one of the zone's keys, for example "nowPlaying/song". */
     static QString topic(const QString &key);
 

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "eventwait.h"
-#include "testkit/process/processfigures.h"
 #include "statistics.h"
 #include "subject.h"
-
 #include "simulator/services/topics.h"
 #include "testkit/appliance.h"
 #include "testkit/machine/display.h"
 #include "testkit/pagenames.h"
+#include "testkit/process/processfigures.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -3,6 +3,7 @@
 
 #include "eventwait.h"
 #include "framepipe.h"
+#include "monotonicclock.h"
 #include "report.h"
 #include "statistics.h"
 #include "subject.h"
@@ -17,23 +18,17 @@ namespace {
 constexpr int Rounds = 15;
 constexpr int FrameRounds = 9; // each waits for the picture to come to rest
 
-using Clock = std::chrono::steady_clock; // the same in every process
 using Start = std::function<double(Program &)>;
-
-double millisecondsSince(Clock::time_point start, Clock::time_point end)
-{
-    return std::chrono::duration<double, std::milli>(end - start).count();
-}
 
 /** Milliseconds until the program is ready; negative when it never is. */
 double untilReady(Program &program)
 {
     NotifySocket serviceManager;
     program.setEnvironment(QStringLiteral("NOTIFY_SOCKET"), serviceManager.path());
-    const Clock::time_point start = Clock::now();
+    const MonotonicClock::time_point start = MonotonicClock::now();
     if (!program.start() || !waitForEvent([&] { return serviceManager.count("READY=1") == 1; }))
         return -1;
-    return millisecondsSince(start, Clock::now());
+    return inMilliseconds(MonotonicClock::now() - start);
 }
 
 /** Milliseconds until its first page stands on the screen; negative when it never does. */
@@ -41,10 +36,10 @@ double untilComplete(Program &program)
 {
     FramePipe pipe;
     pipe.prepare(program, FramePipe::Pictures);
-    const Clock::time_point start = Clock::now();
+    const MonotonicClock::time_point start = MonotonicClock::now();
     if (!program.start() || !pipe.waitUntilAtRest())
         return -1;
-    return millisecondsSince(start, pipe.frames().complete().time);
+    return inMilliseconds(pipe.frames().complete().time - start);
 }
 
 /** The medians of program and bare window, started in turns; negative when one fails. */
