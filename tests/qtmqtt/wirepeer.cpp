@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wirepeer.h"
 
+#include <algorithm>
 #include <csignal>
 
 #include <netinet/in.h>
@@ -11,6 +12,7 @@
 
 namespace {
 constexpr timeval Patience { 20, 0 };
+constexpr size_t LargestCall = 65536;
 } // namespace
 
 WirePeer::WirePeer(std::function<void(WirePeer &)> script)
@@ -86,7 +88,14 @@ bool WirePeer::hears(int withinMs)
 
 bool WirePeer::send(const QByteArray &bytes)
 {
-    return ::send(m_socket, bytes.constData(), size_t(bytes.size()), MSG_NOSIGNAL) == bytes.size();
+    for (int sent = 0; sent < bytes.size();) { // the kernel's patience is with each call as a whole
+        const size_t part = std::min(size_t(bytes.size() - sent), LargestCall);
+        const ssize_t count = ::send(m_socket, bytes.constData() + sent, part, MSG_NOSIGNAL);
+        if (count <= 0)
+            return false;
+        sent += int(count);
+    }
+    return true;
 }
 
 void WirePeer::accept()
