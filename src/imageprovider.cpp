@@ -33,11 +33,17 @@ bool isTooLarge(const QSize &size)
     return size.width() > MaxSide || size.height() > MaxSide;
 }
 
-/** The picture in @p body, in whatever format; null if there is none or it exceeds the limits. */
-QImage decoded(QByteArray body)
+bool isTooLong(const QNetworkReply &reply)
 {
-    if (body.size() > MaxBodyBytes)
+    return reply.bytesAvailable() > MaxBodyBytes;
+}
+
+/** The picture in a reply, in whatever format; null if there is none or it exceeds the limits. */
+QImage decoded(QNetworkReply &reply)
+{
+    if (isTooLong(reply)) // without a copy
         return {};
+    QByteArray body = reply.readAll();
     QBuffer buffer(&body);
     QImageReader reader(&buffer);
     if (isTooLarge(reader.size())) // known before anything is decoded, in most formats
@@ -122,7 +128,7 @@ QImage ImageProvider::fetchedImage(const QUrl &url, QSize *size)
         return m_logo;
     }
 
-    const QImage image = decoded(reply->readAll());
+    const QImage image = decoded(*reply);
     if (size)
         *size = image.size();
     {
@@ -147,10 +153,8 @@ QNetworkReply *ImageProvider::get(QNetworkAccessManager &manager, const QUrl &ur
     request.setRawHeader("Accept-Encoding", "identity");
     QNetworkReply *const reply = manager.get(request);
     QObject::connect(reply, &QNetworkReply::finished, &wait.loop, &QEventLoop::quit);
-    bool isTooLong = false;
     QObject::connect(reply, &QNetworkReply::readyRead, &wait.loop, [&] {
-        isTooLong = reply->bytesAvailable() > MaxBodyBytes;
-        if (isTooLong)
+        if (isTooLong(*reply))
             wait.loop.quit();
     });
     {
@@ -162,7 +166,7 @@ QNetworkReply *ImageProvider::get(QNetworkAccessManager &manager, const QUrl &ur
         const std::lock_guard<std::mutex> guard(m_lock);
         m_waits.removeOne(&wait);
     }
-    if ((reply->isFinished() || isTooLong) && !wait.abandoned)
+    if ((reply->isFinished() || isTooLong(*reply)) && !wait.abandoned)
         return reply;
     reply->abort();
     return nullptr;
