@@ -12,8 +12,8 @@ void FrameRecords::append(const QByteArray &bytes)
     for (const QByteArray &line : qAsConst(lines)) {
         const int blank = line.indexOf(' ');
         const std::chrono::nanoseconds time(line.left(blank).toLongLong());
-        m_frames.append({ std::chrono::steady_clock::time_point(time),
-            line.mid(blank + 1).toULongLong(nullptr, 16) });
+        m_frames.append(
+            { MonotonicClock::time_point(time), line.mid(blank + 1).toULongLong(nullptr, 16) });
     }
 }
 

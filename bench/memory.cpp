@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "memory.h"
 
-#include "eventwait.h"
 #include "playingzone.h"
 #include "report.h"
 #include "statistics.h"
 #include "subject.h"
 #include "testkit/process/processfigures.h"
 #include "testkit/services/brokerclient.h"
-#include "testkit/services/notifysocket.h"
 
 namespace {
 
@@ -33,11 +31,9 @@ double sizeAtRest(const Program &program, Subject::Platform platform)
 
 double sizeOfBareWindow(Subject::Platform platform, const Display &display)
 {
-    NotifySocket serviceManager;
     Program bare;
     Subject::prepareBareWindow(bare, platform, display);
-    bare.setEnvironment(QStringLiteral("NOTIFY_SOCKET"), serviceManager.path());
-    if (!bare.start() || !waitForEvent([&] { return serviceManager.count("READY=1") == 1; })) {
+    if (!Subject::startUntilReady(bare)) {
         qWarning("the bare window does not get ready");
         return -1;
     }

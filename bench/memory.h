@@ -7,7 +7,7 @@ class Report;
 
 /**
  * Memory with the player page on view, its cover loaded and blurred, against the bare window, in
- * turns. The playing zone must have been published on the broker. False, with a
- * message, when it could not be measured.
+ * turns. The playing zone must have been published on the broker. False, with a message, when it
+ * could not be measured.
  */
 bool measureMemory(BrokerClient &services, const Display &display, Report &report);

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "startup.h"
 
-#include "eventwait.h"
 #include "framepipe.h"
 #include "monotonicclock.h"
 #include "report.h"
 #include "statistics.h"
 #include "subject.h"
-#include "testkit/services/notifysocket.h"
 
 #include <QPair>
 
@@ -23,12 +21,8 @@ using Start = std::function<double(Program &)>;
 /** Milliseconds until the program is ready; negative when it never is. */
 double untilReady(Program &program)
 {
-    NotifySocket serviceManager;
-    program.setEnvironment(QStringLiteral("NOTIFY_SOCKET"), serviceManager.path());
     const MonotonicClock::time_point start = MonotonicClock::now();
-    if (!program.start() || !waitForEvent([&] { return serviceManager.count("READY=1") == 1; }))
-        return -1;
-    return inMilliseconds(MonotonicClock::now() - start);
+    return Subject::startUntilReady(program) ? inMilliseconds(MonotonicClock::now() - start) : -1;
 }
 
 /** Milliseconds until its first page stands on the screen; negative when it never does. */

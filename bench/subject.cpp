@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "subject.h"
 
+#include "eventwait.h"
 #include "playingzone.h"
+#include "testkit/services/notifysocket.h"
 
 #include <QTemporaryDir>
 
@@ -42,6 +44,13 @@ void Subject::prepareBareWindow(
         program.setEnvironment(SceneVariable, QStringLiteral("qrc:/ticking_text.qml"));
     else if (motion == Running)
         program.setEnvironment(SceneVariable, QStringLiteral("qrc:/running_text.qml"));
+}
+
+bool Subject::startUntilReady(Program &program)
+{
+    NotifySocket serviceManager;
+    program.setEnvironment(QStringLiteral("NOTIFY_SOCKET"), serviceManager.path());
+    return program.start() && waitForEvent([&] { return serviceManager.count("READY=1") == 1; });
 }
 
 bool Subject::showsPlayer(Program &program)

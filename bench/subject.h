@@ -26,6 +26,8 @@ enum Motion {
 void prepareBareWindow(
     Program &program, Platform platform, const Display &display, Motion motion = Still);
 
+/** Starts a program and waits until it says READY=1; false when it never does. */
+bool startUntilReady(Program &program);
 /** Waits until the player page is on view and has its cover; false when that never comes. */
 bool showsPlayer(Program &program);
 

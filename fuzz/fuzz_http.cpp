@@ -7,8 +7,10 @@
 #include <QTcpSocket>
 #include <QTimer>
 
-/* Requests to the simulator's HTTP server. The first byte says how many bytes come at a time, 0 for
- * all. */
+/*
+ * Requests to the simulator's HTTP server. The first byte says how many bytes come at a time, 0 for
+ * all.
+ */
 
 namespace {
 

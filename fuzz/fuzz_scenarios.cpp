@@ -5,8 +5,10 @@
 
 #include <QMqttTopicName>
 
-/* Scenario files; and, with a first line that begins with '!', a listener's command or a line typed
- * to the simulator. */
+/*
+ * Scenario files; and, with a first line that begins with '!', a listener's command or a line typed
+ * to the simulator.
+ */
 
 namespace {
 

@@ -90,3 +90,8 @@ QList<QByteArray> Appliance::commands() const
 {
     return services.payloads(Topics::command());
 }
+
+QString Appliance::songOnView()
+{
+    return program.probe().property(Probe::Target("label").inside("songTitle"), "text").toString();
+}

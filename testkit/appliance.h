@@ -60,6 +60,9 @@ public:
     /** Every message on the command topic so far, the test's own included. */
     QList<QByteArray> commands() const;
 
+    /** The song that the player page names; empty while it is not on view. */
+    QString songOnView();
+
     /** See Program::waitForPage(). */
     bool waitForPage(const QString &name) { return program.waitForPage(name); }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/machine/panel.h"
 
+#include "testkit/process/filecontents.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -8,12 +10,6 @@ namespace {
 
 const QString Brightness = QStringLiteral("brightness");
 const QString Power = QStringLiteral("bl_power");
-
-QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 } // namespace
 
@@ -44,12 +40,12 @@ void Panel::remove()
 
 QByteArray Panel::brightness() const
 {
-    return contents(attribute(Brightness));
+    return fileContents(attribute(Brightness));
 }
 
 QByteArray Panel::power() const
 {
-    return contents(attribute(Power));
+    return fileContents(attribute(Power));
 }
 
 void Panel::makeUnwritable()

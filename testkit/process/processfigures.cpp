@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/process/processfigures.h"
 
+#include "testkit/process/filecontents.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTest>
@@ -18,14 +20,6 @@ QString directoryOf(qint64 process)
     return QStringLiteral("/proc/%1").arg(process);
 }
 
-QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(path));
-    return file.readAll();
-}
-
 /** The number after @p label, which begins a line of @p text. */
 qint64 labelled(const QByteArray &text, const QByteArray &label)
 {
@@ -40,28 +34,29 @@ qint64 labelled(const QByteArray &text, const QByteArray &label)
 
 qint64 ProcessFigures::pssKiB(qint64 process)
 {
-    return labelled(contents(directoryOf(process) + QStringLiteral("/smaps_rollup")), "Pss:");
+    return labelled(fileContents(directoryOf(process) + QStringLiteral("/smaps_rollup")), "Pss:");
 }
 
 qint64 ProcessFigures::privateKiB(qint64 process)
 {
-    const QByteArray text = contents(directoryOf(process) + QStringLiteral("/smaps_rollup"));
+    const QByteArray text = fileContents(directoryOf(process) + QStringLiteral("/smaps_rollup"));
     return labelled(text, "Private_Clean:") + labelled(text, "Private_Dirty:");
 }
 
 qint64 ProcessFigures::anonymousKiB(qint64 process)
 {
-    return labelled(contents(directoryOf(process) + QStringLiteral("/smaps_rollup")), "Anonymous:");
+    return labelled(
+        fileContents(directoryOf(process) + QStringLiteral("/smaps_rollup")), "Anonymous:");
 }
 
 qint64 ProcessFigures::residentKiB(qint64 process)
 {
-    return labelled(contents(directoryOf(process) + QStringLiteral("/status")), "VmRSS:");
+    return labelled(fileContents(directoryOf(process) + QStringLiteral("/status")), "VmRSS:");
 }
 
 qint64 ProcessFigures::peakKiB(qint64 process)
 {
-    return labelled(contents(directoryOf(process) + QStringLiteral("/status")), "VmHWM:");
+    return labelled(fileContents(directoryOf(process) + QStringLiteral("/status")), "VmHWM:");
 }
 
 void ProcessFigures::forgetPeak(qint64 process)
@@ -80,14 +75,15 @@ int ProcessFigures::openFiles(qint64 process)
 
 int ProcessFigures::threads(qint64 process)
 {
-    return int(labelled(contents(directoryOf(process) + QStringLiteral("/status")), "Threads:"));
+    return int(
+        labelled(fileContents(directoryOf(process) + QStringLiteral("/status")), "Threads:"));
 }
 
 qint64 ProcessFigures::processorMs(qint64 process)
 {
     // After the name, which may hold anything but ends with the last parenthesis; user and system
     // time are the 12th and 13th of what follows, in clock ticks.
-    const QByteArray text = contents(directoryOf(process) + QStringLiteral("/stat"));
+    const QByteArray text = fileContents(directoryOf(process) + QStringLiteral("/stat"));
     const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
     return (fields.at(11).toLongLong() + fields.at(12).toLongLong()) * 1000
         / ::sysconf(_SC_CLK_TCK);
@@ -109,8 +105,9 @@ QMap<QString, qint64> ProcessFigures::voluntarySwitches(qint64 process)
     const QStringList threads = QDir(directory).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     QMap<QString, qint64> switches;
     for (const QString &thread : threads) {
-        const QByteArray status = contents(directory + thread + QStringLiteral("/status"));
-        const QByteArray name = contents(directory + thread + QStringLiteral("/comm")).trimmed();
+        const QByteArray status = fileContents(directory + thread + QStringLiteral("/status"));
+        const QByteArray name
+            = fileContents(directory + thread + QStringLiteral("/comm")).trimmed();
         switches.insert(thread + QLatin1Char(' ') + QString::fromLocal8Bit(name),
             labelled(status, "voluntary_ctxt_switches:"));
     }

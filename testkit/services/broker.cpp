@@ -2,6 +2,7 @@
 #include "testkit/services/broker.h"
 
 #include "simulator/services/appliancelink.h"
+#include "simulator/services/topics.h"
 #include "testkit/services/brokerclient.h"
 #include "testkit/services/mqttreference.h"
 #include "testkit/waiting.h"
@@ -96,7 +97,7 @@ QStringList Broker::objections(Publishers allowed) const
         return {};
     static const QRegularExpression publication(QStringLiteral(
         "^Received PUBLISH from (\\S+) \\(d\\d, q(\\d), r(\\d), m\\d+, '(Velunor/.*)', "));
-    static const QString marker = QStringLiteral("Velunor/Settings/v2/end_of_");
+    static const QString marker = Topics::settings("end_of_");
     QStringList found;
     QSet<QString> seen; // the same topic comes thousands of times
     for (const QString &line : lines()) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "testkit/process/filecontents.h"
 #include "testkit/machine/display.h"
 #include "testkit/machine/panel.h"
 #include "testkit/machine/windows.h"
@@ -22,12 +23,6 @@
 
 namespace {
 
-QByteArray contents(const QString &fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 /** Processes by number, with their command lines; dead ones that nobody has buried are none. */
 QMap<pid_t, QString> processes()
 {
@@ -35,7 +30,7 @@ QMap<pid_t, QString> processes()
     const QStringList numbers = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
     for (const QString &number : numbers) {
         const QString directory = QStringLiteral("/proc/") + number;
-        const QByteArray command = contents(directory + QStringLiteral("/cmdline"));
+        const QByteArray command = fileContents(directory + QStringLiteral("/cmdline"));
         if (number.toInt() > 0 && !command.isEmpty())
             found.insert(number.toInt(), QString::fromLocal8Bit(command).replace(QChar(0), ' '));
     }
@@ -70,14 +65,14 @@ QStringList traces()
     }
     const QRegularExpression listening(QStringLiteral("^ *\\d+: (\\S+) \\S+ 0A"));
     for (const char *const table : { "/proc/net/tcp", "/proc/net/tcp6" }) {
-        const QList<QByteArray> lines = contents(table).split('\n');
+        const QList<QByteArray> lines = fileContents(table).split('\n');
         for (const QByteArray &line : lines) {
             const QRegularExpressionMatch match = listening.match(QString::fromLatin1(line));
             if (match.hasMatch())
                 found.append(QStringLiteral("port ") + match.captured(1));
         }
     }
-    const QList<QByteArray> mounts = contents("/proc/self/mountinfo").split('\n');
+    const QList<QByteArray> mounts = fileContents("/proc/self/mountinfo").split('\n');
     for (const QByteArray &mount : mounts)
         found.append(QString::fromLocal8Bit(mount));
     return found;
@@ -401,8 +396,9 @@ void TestDemo::leavesTheMachinesPanelAsItWas()
         ::kill(terminal.processId(), number);
         QVERIFY(terminal.waitForExit());
         QTRY_COMPARE_WITH_TIMEOUT(
-            contents(directory + "brightness"), before["brightness"], PatienceMs);
-        QTRY_COMPARE_WITH_TIMEOUT(contents(directory + "bl_power"), before["bl_power"], PatienceMs);
+            fileContents(directory + "brightness"), before["brightness"], PatienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(
+            fileContents(directory + "bl_power"), before["bl_power"], PatienceMs);
     }
 }
 

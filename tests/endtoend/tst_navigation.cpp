@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "simulator/services/topics.h"
 #include "testkit/appliance.h"
 #include "testkit/pagenames.h"
 #include "testkit/waiting.h"
@@ -12,7 +13,7 @@ using namespace PageNames;
 
 namespace {
 
-const QString IdleTopic = "Velunor/touch_ui/v3/Display/idle";
+const QString IdleTopic = Topics::display() + "idle";
 const QByteArray Toggle = R"({"command":"toggle_standby"})";
 const QByteArray KitchenOnly = R"([{"id":"z1","name":"Kitchen"}])";
 const QByteArray BathOnly = R"([{"id":"z2","name":"Bath"}])";

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "simulator/services/topics.h"
 #include "testkit/appliance.h"
 #include "testkit/waiting.h"
 
@@ -9,7 +10,7 @@
 
 namespace {
 
-const QString BrightnessTopic = "Velunor/touch_ui/v3/Display/brightness";
+const QString BrightnessTopic = Topics::display() + "brightness";
 const QString SettingsFile = "/data/velunor-touch.ini";
 const QByteArray Toggle = R"({"command":"toggle_standby"})";
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "simulator/services/topics.h"
 #include "testkit/appliance.h"
 #include "testkit/likeness.h"
 #include "testkit/services/apiserver.h"
@@ -12,8 +13,8 @@
 
 namespace {
 
-const QString CommandTopic = "Velunor/Controller/remote_control/v4/Control/command";
-const QString ZoneTopic = "Velunor/touch_ui/v3/Display/zone";
+const QString CommandTopic = Topics::command();
+const QString ZoneTopic = Topics::display() + "zone";
 
 const QStringList TransportIcons { "icons/round_pause_white_48dp.png",
     "icons/round_stop_white_48dp.png", "icons/round_play_arrow_white_48dp.png",
@@ -542,7 +543,6 @@ void TestPlaying::volumeDragEndsWithItsZone()
     QFETCH(QByteArray, zones);
     QFETCH(bool, speaks);
     const Probe::Target player = Probe::Target::type("Player");
-    const QString newZone = "Velunor/Controller/remote_control/v4/roon/Zones/z2/";
     const ZoneValues newValues { { "volume/available", "true" }, { "volume/value", "10" },
         { "volume/hard_limit_min", "0" }, { "volume/soft_limit", "80" }, { "volume/step", "1" },
         { "state", "playing" }, { "is_pause_allowed", "true" },
@@ -562,7 +562,8 @@ void TestPlaying::volumeDragEndsWithItsZone()
     m_appliance.publishZones(zones);
     const auto speak = [&] {
         for (const auto &value : newValues)
-            m_appliance.services.publish(newZone + value.first, value.second, true);
+            m_appliance.services.publish(
+                Topics::zone("z2", value.first.toLatin1()), value.second, true);
         return m_appliance.handled();
     };
     QVERIFY(speaks ? speak() : m_appliance.handled());
@@ -622,8 +623,7 @@ void TestPlaying::volumeRangeIsNotLentToAnotherZone()
     for (const char *limit : { "minimumText", "maximumText", "softLimitText" })
         QCOMPARE(probe().property(limit, "text"), QJsonValue(""));
 
-    m_appliance.services.publish(
-        "Velunor/Controller/remote_control/v4/roon/Zones/z2/name", name, true);
+    m_appliance.services.publish(Topics::zone("z2", "name"), name, true);
     QVERIFY(m_appliance.handled());
     QTRY_VERIFY_WITH_TIMEOUT(volumeHandleIsShown(), PatienceMs);
     QCOMPARE(probe().property("softLimitText", "text").toString(), QStringLiteral("-40"));
@@ -712,7 +712,7 @@ void TestPlaying::aZoneIsChosenFromTheList()
     m_appliance.publishZones(R"([{"id":"z2","name":"Wohnk)"
                              "\xc3\xbc"
                              R"(che"},{"id":"z1","name":"Kitchen"}])");
-    m_appliance.services.publish("Velunor/Controller/remote_control/v4/roon/Zones/z2/name",
+    m_appliance.services.publish(Topics::zone("z2", "name"),
         "Wohnk\xc3\xbc"
         "che",
         true);
@@ -803,12 +803,12 @@ QStringList TestPlaying::optionIcons()
 
 bool TestPlaying::otherZoneIs(const QByteArray &name, const ZoneValues &values)
 {
-    const QString zone = "Velunor/Controller/remote_control/v4/roon/Zones/z2/";
     m_appliance.publishZones(
         R"([{"id":"z1","name":"Kitchen"},{"id":"z2","name":")" + name + R"("}])");
-    m_appliance.services.publish(zone + "name", name, true);
+    m_appliance.services.publish(Topics::zone("z2", "name"), name, true);
     for (const auto &value : values)
-        m_appliance.services.publish(zone + value.first, value.second, true);
+        m_appliance.services.publish(
+            Topics::zone("z2", value.first.toLatin1()), value.second, true);
     return m_appliance.handled();
 }
 

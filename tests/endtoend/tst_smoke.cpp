@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "simulator/services/topics.h"
 #include "testkit/machine/panel.h"
 #include "testkit/process/program.h"
 #include "testkit/services/broker.h"
@@ -33,7 +34,7 @@ void TestSmoke::startsShowsAndStops()
         QStringLiteral("VELUNOR_TOUCHUI_CONTROL_ZONE"), QStringLiteral("Kitchen"));
     QVERIFY(program.startAndWait());
     QTRY_COMPARE_WITH_TIMEOUT(serviceManager.count("READY=1"), 1, PatienceMs);
-    QVERIFY(services.waitFor(QStringLiteral("Velunor/touch_ui/v3/Display/zone"), "Kitchen"));
+    QVERIFY(services.waitFor(Topics::display() + "zone", "Kitchen"));
     QCOMPARE(panel.brightness(), QByteArray("150"));
     QCOMPARE(
         program.probe().environment(QStringLiteral("QML_DISABLE_DISK_CACHE")), QJsonValue("true"));

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "simulator/services/topics.h"
 #include "testkit/appliance.h"
 #include "testkit/machine/display.h"
 #include "testkit/machine/panelkind.h"
@@ -14,8 +15,8 @@ using namespace PageNames;
 
 namespace {
 
-const QString CommandTopic = "Velunor/Controller/remote_control/v4/Control/command";
-const QString ZoneTopic = "Velunor/touch_ui/v3/Display/zone";
+const QString CommandTopic = Topics::command();
+const QString ZoneTopic = Topics::display() + "zone";
 const QString SettingsFile = "/data/velunor-touch.ini";
 
 QByteArray command(const QByteArray &text)
@@ -172,8 +173,7 @@ void TestTurned::zoneChooser()
 {
     m_appliance->publishZones(
         R"([{"id":"z1","name":"Kitchen"},{"id":"z2","name":"Bath"},{"id":"z3","name":"Hall"}])");
-    m_appliance->services.publish(
-        "Velunor/Controller/remote_control/v4/roon/Zones/z2/name", "Bath", true);
+    m_appliance->services.publish(Topics::zone("z2", "name"), "Bath", true);
     QVERIFY(m_appliance->handled());
     for (const QString &zone : { QString("Bath"), QString("Kitchen") }) {
         QVERIFY(probe().tap("zoneName"));

@@ -54,6 +54,8 @@ protected:
     /** Only the end. */
     bool endsInTime(int number = SIGTERM);
 
+    /** Of a situation that brings nothing to be kept: what touches and their pages leave behind. */
+    static constexpr Bound UsualBound { 12, 8 };
     /** On the busiest machine, with sanitizers; on a quiet one an answer takes a few frames. */
     static constexpr int TouchLimitMs = 10000;
     /** Below what the service allows before it kills; a quiet machine needs a tenth of it. */

@@ -24,7 +24,7 @@ void TestBadKernelFiles::missing()
 {
     house().panel.remove();
     QVERIFY(startPlayer());
-    QVERIFY(comesThrough(Player, { 12, 8 }));
+    QVERIFY(comesThrough(Player, UsualBound));
     QVERIFY(program().count(Line::warning("SysFile::write() failed to open file: ")) > 0);
 }
 
@@ -44,7 +44,7 @@ void TestBadKernelFiles::readOnly()
     if (later)
         house().panel.makeUnwritable();
     const int before = program().logSize();
-    QVERIFY(comesThrough(Player, { 12, 8 }));
+    QVERIFY(comesThrough(Player, UsualBound));
     QVERIFY(program().count(Line::warning(Unwritten + "brightness"), before) >= 3);
     QVERIFY(program().count(Line::warning(Unwritten + "bl_power"), before) >= 2);
 }
@@ -59,7 +59,7 @@ void TestBadKernelFiles::vanishing()
     QCOMPARE(house().panel.brightness(), QByteArray()); // it is not made anew
     // When the panel is back it is written as before.
     house().panel.create();
-    QVERIFY(comesThrough(Player, { 12, 8 }));
+    QVERIFY(comesThrough(Player, UsualBound));
     QCOMPARE(house().panel.brightness(), QByteArray("150"));
     QCOMPARE(house().panel.power(), QByteArray("0"));
 }

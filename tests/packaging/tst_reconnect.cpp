@@ -94,7 +94,11 @@ private:
         m_tools->append(QStringLiteral("journal"), QByteArray::number(time) + ' ' + line + '\n');
     }
     /** Connects as the front end does, and lets the script know its process. */
-    void connectFrontEnd() { QVERIFY(m_frontEnd.waitForConnected()); }
+    void connectFrontEnd()
+    {
+        m_frontEnd.connectToHost(QStringLiteral("127.0.0.1"), BrokerPort);
+        QVERIFY(m_frontEnd.waitForConnected());
+    }
     int restarts() const { return m_tools->lines(QStringLiteral("restarts")).size(); }
     /** Whether it sleeps in a read from the journal, whose descriptor is none of a child's. */
     bool readsTheJournal() const
@@ -165,7 +169,6 @@ void TestReconnect::aBrokerThatIsThereStartsAnUnconnectedFrontEndAgain()
 void TestReconnect::aConnectedFrontEndIsLetBe()
 {
     QVERIFY(m_broker->start());
-    m_frontEnd.connectToHost(QStringLiteral("127.0.0.1"), BrokerPort);
     connectFrontEnd();
     QVERIFY(startScript());
     QTRY_COMPARE_WITH_TIMEOUT(questions(), 1, PatienceMs);
@@ -180,7 +183,6 @@ void TestReconnect::aConnectedFrontEndIsLetBe()
 void TestReconnect::aLossStartsItAgain()
 {
     QVERIFY(m_broker->start());
-    m_frontEnd.connectToHost(QStringLiteral("127.0.0.1"), BrokerPort);
     connectFrontEnd();
     QVERIFY(startScript());
     QTRY_COMPARE_WITH_TIMEOUT(questions(), 1, PatienceMs);
@@ -193,7 +195,6 @@ void TestReconnect::aLossWhileTheJournalIsBeingOpenedStartsItAgain()
 {
     m_tools->write(QStringLiteral("slow"), {});
     QVERIFY(m_broker->start());
-    m_frontEnd.connectToHost(QStringLiteral("127.0.0.1"), BrokerPort);
     connectFrontEnd();
     QVERIFY(startScript());
     // The first look has found the connection.
@@ -208,7 +209,6 @@ void TestReconnect::aLossWhileTheJournalIsBeingOpenedStartsItAgain()
 void TestReconnect::otherLinesOfTheLogDoNotWakeIt()
 {
     QVERIFY(m_broker->start());
-    m_frontEnd.connectToHost(QStringLiteral("127.0.0.1"), BrokerPort);
     connectFrontEnd();
     QVERIFY(startScript());
     QTRY_COMPARE_WITH_TIMEOUT(questions(), 1, PatienceMs);

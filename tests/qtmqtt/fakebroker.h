@@ -9,8 +9,8 @@
 #include <QtNetwork/QTcpSocket>
 
 /**
- * A listener on 127.0.0.1 that answers a request to connect with given bytes, and
- * nothing else unless told.  It keeps the packets it got.
+ * A listener on 127.0.0.1 that answers a request to connect with given bytes, and nothing else
+ * unless told.  It keeps the packets it got.
  */
 class FakeBroker : public QObject {
     Q_OBJECT

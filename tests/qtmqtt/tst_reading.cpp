@@ -6,6 +6,7 @@
 #include <QtTest/QtTest>
 
 #include <algorithm>
+#include <atomic>
 
 namespace {
 constexpr int PatienceMs = 20000;
@@ -69,12 +70,14 @@ void TestReading::turnsAreShort()
 void TestReading::aBacklogIsReadToItsEnd()
 {
     constexpr int Count = 300000;
+    constexpr int Step = 1000;
     QByteArray backlog;
     for (int i = 0; i < Count; ++i)
         backlog += FakeBroker::message("t", QByteArray(i % 97, 'x'));
+    std::atomic<bool> sent { false };
     WirePeer peer([&](WirePeer &broker) {
         broker.accept();
-        broker.send(backlog);
+        sent = broker.send(backlog);
         broker.readPacket(); // until the client goes
     });
     QMqttSettings settings;
@@ -89,7 +92,14 @@ void TestReading::aBacklogIsReadToItsEnd()
                 connection.takeEvent();
         },
         Qt::QueuedConnection);
-    QTRY_COMPARE_WITH_TIMEOUT(read, Count, 5 * PatienceMs); // it is much, with sanitizers
+    // It is much, with sanitizers; but as long as there is something to read, something is read.
+    while (read < Count) {
+        const int next = std::min(Count, read + Step);
+        const bool goesOn = QTest::qWaitFor([&] { return read >= next; }, PatienceMs);
+        QVERIFY2(goesOn, qPrintable(QString::number(read)));
+    }
+    QCOMPARE(read, Count);
+    QTRY_VERIFY(sent);
 }
 
 QTEST_GUILESS_MAIN(TestReading)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "simulator/services/topics.h"
 #include "testkit/appliance.h"
 #include "testkit/pagenames.h"
 #include "testkit/services/mqttreference.h"
@@ -59,7 +60,7 @@ std::unique_ptr<Appliance> emptyAppliance()
     auto appliance = std::make_unique<Appliance>();
     const bool begun = appliance->broker.start() && appliance->services.connectToBroker()
         && appliance->program.startAndWait()
-        && appliance->services.waitFor("Velunor/touch_ui/v3/Display/zone", "Kitchen");
+        && appliance->services.waitFor(Topics::display() + "zone", "Kitchen");
     // These two objects come with the first message for them, which here changes nothing.
     appliance->publishZone("name", "unknown");
     appliance->services.publish(reference().entry("spotifyState").topic, "", true);
@@ -259,11 +260,6 @@ void TestMessages::whatIsNotListedChangesNothing()
     Appliance appliance;
     appliance.broker.allowUndocumented();
     QVERIFY(appliance.start());
-    const QString state = "Velunor/State/v1/";
-    const QString settings = "Velunor/Settings/v2/";
-    const QString spotify = "Velunor/Controller/remote_control/v4/spotify/";
-    const QString core = "Velunor/Controller/remote_control/v4/roon/Roon/";
-    const QString zone = "Velunor/Controller/remote_control/v4/roon/Zones/z1/";
     const auto warnings = [&](const QStringList &topics) {
         const int before = appliance.program.logSize();
         for (const QString &topic : topics)
@@ -272,16 +268,17 @@ void TestMessages::whatIsNotListedChangesNothing()
             ? appliance.program.count(LogPattern("WARN", QString()).andMore(), before)
             : -1;
     };
-    QCOMPARE(
-        warnings({ state + "unheard", core + "unheard", zone + "unheard", spotify + "unheard" }),
+    QCOMPARE(warnings({ Topics::state("unheard"), Topics::core("unheard"),
+                 Topics::zone("z1", "unheard"), Topics::spotify("unheard") }),
         4);
-    QCOMPARE(warnings({ settings + "unheard", state + "objectName", core + "objectName",
-                 zone + "objectName", spotify + "objectName", core + "ipAddress",
-                 core + "localHostName", core + "Id" }),
+    QCOMPARE(warnings({ Topics::settings("unheard"), Topics::state("objectName"),
+                 Topics::core("objectName"), Topics::zone("z1", "objectName"),
+                 Topics::spotify("objectName"), Topics::core("ipAddress"),
+                 Topics::core("localHostName"), Topics::core("Id") }),
         1); // the last one's first letter is another
     QVERIFY(appliance.waitForPage(PageNames::Player));
 
-    appliance.services.publish(core + "coreDetected/deeper", "false", true);
+    appliance.services.publish(Topics::core("coreDetected/deeper"), "false", true);
     QVERIFY(appliance.waitForPage(PageNames::Failure));
 }
 
@@ -382,29 +379,28 @@ void TestMessages::reportsAreSentAsDescribed()
 /** What every test that has a broker relies on. */
 void TestMessages::theBrokerObjectsToWhatIsNotDescribed()
 {
-    const QString state = "Velunor/State/v1/";
     Broker broker;
     broker.allowUndocumented(Broker::Everybody);
     QVERIFY(broker.start());
     BrokerClient services;
     QVERIFY(services.connectToBroker());
-    services.publish(state + "Init", "true", true);
+    services.publish(Topics::state("Init"), "true", true);
     services.publish("somebody/else", "x");
     services.publish(reference().entry("zoneName").topicOf("z1"), "Kitchen", true);
-    services.publish("Velunor/Settings/v2/end_of_step_1", "");
+    services.publish(Topics::settings("end_of_step_1"), "");
     QVERIFY(services.flush());
     QCOMPARE(broker.objections(), QStringList());
 
-    services.publish(state + "Unheard", "true", true);
-    services.publish(state + "Stage", "true");
-    services.publish(state + "Stage", "false");
+    services.publish(Topics::state("Unheard"), "true", true);
+    services.publish(Topics::state("Stage"), "true");
+    services.publish(Topics::state("Stage"), "false");
     services.publish(reference().entry("zoneName").topicOf("z1/2"), "Kitchen", true);
     services.publish(reference().entry("displayIdle").topic, "true", true);
     QVERIFY(services.flush());
     QCOMPARE(broker.objections(),
-        QStringList({ state + "Unheard is not documented",
-            state
-                + "Stage is documented as QoS 0, retained, and was published as QoS 1, not "
+        QStringList({ Topics::state("Unheard") + " is not documented",
+            Topics::state("Stage")
+                + " is documented as QoS 0, retained, and was published as QoS 1, not "
                   "retained",
             reference().entry("zoneName").topicOf("z1/2") + " is not documented",
             reference().entry("displayIdle").topic
@@ -417,10 +413,10 @@ void TestMessages::theBrokerObjectsToWhatIsNotDescribed()
     program.setPort(1883);
     program.connectToHost();
     QTRY_COMPARE_WITH_TIMEOUT(program.state(), QMqttClient::Connected, PatienceMs);
-    program.publish(QString("Velunor/touch_ui/v3/Display/mood"), "good", 1);
-    QVERIFY(services.waitFor("Velunor/touch_ui/v3/Display/mood", "good"));
-    QCOMPARE(broker.objections(Broker::Services),
-        QStringList("Velunor/touch_ui/v3/Display/mood is not documented"));
+    const QString mood = Topics::display() + "mood";
+    program.publish(mood, "good", 1);
+    QVERIFY(services.waitFor(mood, "good"));
+    QCOMPARE(broker.objections(Broker::Services), QStringList(mood + " is not documented"));
 }
 
 QTEST_GUILESS_MAIN(TestMessages)

@@ -262,11 +262,9 @@ void TestOnView::anOddScrolling()
     const QJsonArray scrolling = calmScene();
     QVERIFY(publish({ { "settingScrolling", "false" } }));
     const QByteArray cut = LongTitle.left(38);
-    Probe &probe = m_appliance->program.probe();
-    const auto shown = [&probe] {
-        return probe.property(Probe::Target("label").inside("songTitle"), "text").toString();
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(shown().startsWith(cut) && shown().size() < 45, PatienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        m_appliance->songOnView().startsWith(cut) && m_appliance->songOnView().size() < 45,
+        PatienceMs);
     QVERIFY(calmScene() != scrolling);
     QVERIFY(publish({ { "settingScrolling", odd("settingScrolling") } }));
     QTRY_COMPARE_WITH_TIMEOUT(calmScene(), scrolling, PatienceMs);

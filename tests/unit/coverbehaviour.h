@@ -19,10 +19,3 @@ inline void moveCoreTo(const ImageServer &server)
 {
     Roon::instance()->setServerUrl(QString::fromLatin1(server.address()));
 }
-
-inline ImageServer::Behaviour kind(ImageServer::Behaviour::Kind what)
-{
-    ImageServer::Behaviour behaviour;
-    behaviour.kind = what;
-    return behaviour;
-}

@@ -381,7 +381,8 @@ void TestCoverArtLoader::skippedTracksEndWithTheLast()
 
 void TestCoverArtLoader::hangingFetchIsAbandonedForAnotherWish()
 {
-    m_server->setBehaviour(QStringLiteral("A"), kind(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(
+        QStringLiteral("A"), ImageServer::Behaviour::of(ImageServer::Behaviour::Hang));
     m_server->setBehaviour(QStringLiteral("B"), png(Qt::blue));
     const Offers offers(m_loader);
     m_loader->setWanted(urlOf(QStringLiteral("A")));
@@ -393,7 +394,8 @@ void TestCoverArtLoader::hangingFetchIsAbandonedForAnotherWish()
 
 void TestCoverArtLoader::fetchThatHasHadItsSecondIsAbandonedAtOnce()
 {
-    m_server->setBehaviour(QStringLiteral("A"), kind(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(
+        QStringLiteral("A"), ImageServer::Behaviour::of(ImageServer::Behaviour::Hang));
     m_server->setBehaviour(QStringLiteral("B"), png(Qt::blue));
     const Offers offers(m_loader);
     bool waited = false;
@@ -430,8 +432,8 @@ void TestCoverArtLoader::failedFetchShowsTheLogo()
 {
     QFETCH(int, what);
     m_server->setBehaviour(QStringLiteral("A"), png(Qt::red));
-    m_server->setBehaviour(
-        QStringLiteral("bad"), kind(static_cast<ImageServer::Behaviour::Kind>(what)));
+    m_server->setBehaviour(QStringLiteral("bad"),
+        ImageServer::Behaviour::of(static_cast<ImageServer::Behaviour::Kind>(what)));
     const Offers offers(m_loader);
     m_loader->setWanted(urlOf(QStringLiteral("A")));
     QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
@@ -454,7 +456,8 @@ void TestCoverArtLoader::keyThatFailedIsFetchedAgain()
 
 void TestCoverArtLoader::bodyThatIsNoPictureIsOffered()
 {
-    m_server->setBehaviour(QStringLiteral("A"), kind(ImageServer::Behaviour::Garbage));
+    m_server->setBehaviour(
+        QStringLiteral("A"), ImageServer::Behaviour::of(ImageServer::Behaviour::Garbage));
     m_loader->setWanted(urlOf(QStringLiteral("A")));
     QTRY_COMPARE(m_loader->source(), urlOf(QStringLiteral("A")));
     QCOMPARE(requestsFor("A"), 1);
@@ -500,7 +503,8 @@ void TestCoverArtLoader::addressThatComesLateIsUsedAtOnce()
 void TestCoverArtLoader::coreThatMovesEndsTheWaitForItsOldAddress()
 {
     ImageServer other;
-    m_server->setBehaviour(QStringLiteral("A"), kind(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(
+        QStringLiteral("A"), ImageServer::Behaviour::of(ImageServer::Behaviour::Hang));
     other.setBehaviour(QStringLiteral("A"), png(Qt::blue));
     const Offers offers(m_loader);
     m_loader->setWanted(urlOf(QStringLiteral("A")));
@@ -597,7 +601,8 @@ void TestCoverArtLoader::wishThatReturnsDuringItsFetchIsFetchedOnce()
 
 void TestCoverArtLoader::destroyedLoaderAbandonsItsFetch()
 {
-    m_server->setBehaviour(QStringLiteral("A"), kind(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(
+        QStringLiteral("A"), ImageServer::Behaviour::of(ImageServer::Behaviour::Hang));
     m_loader->setWanted(urlOf(QStringLiteral("A")));
     bool destroyed = false;
     whenAskedFor("A", [this, &destroyed] {
@@ -611,7 +616,8 @@ void TestCoverArtLoader::destroyedLoaderAbandonsItsFetch()
 
 void TestCoverArtLoader::nextLoaderIsServedAfterADestroyedOne()
 {
-    m_server->setBehaviour(QStringLiteral("A"), kind(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(
+        QStringLiteral("A"), ImageServer::Behaviour::of(ImageServer::Behaviour::Hang));
     m_server->setBehaviour(QStringLiteral("B"), png(Qt::blue));
     CoverArtLoader *const next = create();
     m_loader->setWanted(urlOf(QStringLiteral("A")));
@@ -629,7 +635,8 @@ void TestCoverArtLoader::nextLoaderIsServedAfterADestroyedOne()
 
 void TestCoverArtLoader::loaderThatNobodyStopsIsNotWaitedForLong()
 {
-    m_server->setBehaviour(QStringLiteral("A"), kind(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(
+        QStringLiteral("A"), ImageServer::Behaviour::of(ImageServer::Behaviour::Hang));
     m_server->setBehaviour(QStringLiteral("B"), png(Qt::blue));
     CoverArtLoader *const next = create();
     m_loader->setWanted(urlOf(QStringLiteral("A")));
@@ -679,7 +686,8 @@ void TestCoverArtLoader::pageThatIsLeftHurriesNobody()
 
 void TestCoverArtLoader::pageThatComesWhileAnotherHangsIsServed()
 {
-    m_server->setBehaviour(QStringLiteral("A"), kind(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(
+        QStringLiteral("A"), ImageServer::Behaviour::of(ImageServer::Behaviour::Hang));
     m_server->setBehaviour(QStringLiteral("B"), png(Qt::blue));
     QQuickWindow window;
     const QScopedPointer<QQuickItem> page(createPage());
@@ -742,7 +750,8 @@ void TestCoverArtLoader::destroyedLoaderThatWaitsIsForgotten()
 
 void TestCoverArtLoader::quitEndsAHangingFetch()
 {
-    m_server->setBehaviour(QStringLiteral("A"), kind(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(
+        QStringLiteral("A"), ImageServer::Behaviour::of(ImageServer::Behaviour::Hang));
     LogCapture log;
     m_loader->setWanted(urlOf(QStringLiteral("A")));
     whenAskedFor("A", [] { QCoreApplication::quit(); });
@@ -781,10 +790,14 @@ void TestCoverArtLoader::randomWishesEndWithTheLast()
     m_server->setBehaviour(QStringLiteral("last"), png(Qt::blue));
     m_server->setBehaviour(QStringLiteral("good"), png(Qt::red));
     m_server->setBehaviour(QStringLiteral("slow"), png(Qt::green, 50));
-    m_server->setBehaviour(QStringLiteral("hang"), kind(ImageServer::Behaviour::Hang));
-    m_server->setBehaviour(QStringLiteral("drop"), kind(ImageServer::Behaviour::Drop));
-    m_server->setBehaviour(QStringLiteral("trouble"), kind(ImageServer::Behaviour::Trouble));
-    m_server->setBehaviour(QStringLiteral("garbage"), kind(ImageServer::Behaviour::Garbage));
+    m_server->setBehaviour(
+        QStringLiteral("hang"), ImageServer::Behaviour::of(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(
+        QStringLiteral("drop"), ImageServer::Behaviour::of(ImageServer::Behaviour::Drop));
+    m_server->setBehaviour(
+        QStringLiteral("trouble"), ImageServer::Behaviour::of(ImageServer::Behaviour::Trouble));
+    m_server->setBehaviour(
+        QStringLiteral("garbage"), ImageServer::Behaviour::of(ImageServer::Behaviour::Garbage));
     LogCapture log;
     int wishesLeft = 100;
     QTimer wish;

@@ -439,7 +439,8 @@ void TestImageProvider::twoFailuresGiveTheLogoAndKeepTheCache()
 
 void TestImageProvider::droppedConnectionGivesTheLogo()
 {
-    m_server->setBehaviour(QStringLiteral("key"), kind(ImageServer::Behaviour::Drop));
+    m_server->setBehaviour(
+        QStringLiteral("key"), ImageServer::Behaviour::of(ImageServer::Behaviour::Drop));
     LogCapture log;
     QCOMPARE(m_provider->requestImage(QStringLiteral("key"), nullptr, QSize()), m_logo);
     const QStringList lines = log.take();
@@ -466,7 +467,8 @@ void TestImageProvider::refusedConnectionGivesTheLogo()
 
 void TestImageProvider::bodyThatIsNoPictureIsKeptLikeAnyOther()
 {
-    m_server->setBehaviour(QStringLiteral("key"), kind(ImageServer::Behaviour::Garbage));
+    m_server->setBehaviour(
+        QStringLiteral("key"), ImageServer::Behaviour::of(ImageServer::Behaviour::Garbage));
     QSize size = Untouched;
     LogCapture log;
     QVERIFY(m_provider->requestImage(QStringLiteral("key"), &size, QSize()).isNull());
@@ -547,7 +549,8 @@ void TestImageProvider::pictureThatClaimsToBeHugeIsNotDecoded()
 
 void TestImageProvider::bodyWithoutAnEndIsNoPicture()
 {
-    m_server->setBehaviour(QStringLiteral("key"), kind(ImageServer::Behaviour::Endless));
+    m_server->setBehaviour(
+        QStringLiteral("key"), ImageServer::Behaviour::of(ImageServer::Behaviour::Endless));
     QSize size = Untouched;
     LogCapture log;
     QVERIFY(m_provider->requestImage(QStringLiteral("key"), &size, QSize()).isNull());
@@ -650,7 +653,8 @@ void TestImageProvider::callsFromSeveralThreadsGetTheirOwnPictures()
 
 void TestImageProvider::quitEndsAHangingFetch()
 {
-    m_server->setBehaviour(QStringLiteral("key"), kind(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(
+        QStringLiteral("key"), ImageServer::Behaviour::of(ImageServer::Behaviour::Hang));
     LogCapture log;
     QImage image;
     QSize size = Untouched;
@@ -676,7 +680,8 @@ void TestImageProvider::quitEndsAHangingFetch()
 
 void TestImageProvider::abandonedFetchGivesTheLogoAndKeepsNothing()
 {
-    m_server->setBehaviour(QStringLiteral("key"), kind(ImageServer::Behaviour::Hang));
+    m_server->setBehaviour(
+        QStringLiteral("key"), ImageServer::Behaviour::of(ImageServer::Behaviour::Hang));
     m_provider->abandonFetches(); // nothing to do
     LogCapture log;
     QTimer poll;
@@ -708,8 +713,8 @@ void TestImageProvider::fetchAbandonedAsItEndsIsNotTriedAgain()
 {
     QFETCH(int, what);
     QFETCH(bool, before);
-    m_server->setBehaviour(
-        QStringLiteral("key"), kind(static_cast<ImageServer::Behaviour::Kind>(what)));
+    m_server->setBehaviour(QStringLiteral("key"),
+        ImageServer::Behaviour::of(static_cast<ImageServer::Behaviour::Kind>(what)));
     LogCapture log;
     int abandoned = 0;
     const ReplyWatch watch([&](QNetworkReply *reply) {

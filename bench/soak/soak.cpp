@@ -1,26 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "eventwait.h"
-#include "statistics.h"
-#include "subject.h"
+#include "soak.h"
+
+#include "bench/eventwait.h"
+#include "bench/statistics.h"
+#include "bench/subject.h"
 #include "simulator/services/topics.h"
-#include "testkit/appliance.h"
-#include "testkit/machine/display.h"
 #include "testkit/pagenames.h"
 #include "testkit/process/processfigures.h"
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QFile>
 #include <QTextStream>
 
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 
 using namespace PageNames;
 
 namespace {
 
+// An hour has at least a million messages, ten thousand covers and two thousand page switches.
 constexpr int RoundsPerHour = 10080;
 constexpr int MessagesPerRound = 100;
 constexpr int RoundsPerTour = 5;    // each a tour through four pages
@@ -28,43 +25,13 @@ constexpr int CoverKeys = 500;      // more than anything could keep
 constexpr int Samples = 200;        // over the whole time
 constexpr double GrowthGoal = 0.02; // of what is there after the first tenth
 
-/** What must not grow. */
-struct Sample {
-    double minutes;
-    double privateMiB;
-    int files;
-    int threads;
-    int objects;
-};
+} // namespace
 
-/** An hour or more of a house's life, at a steady pace, and what it leaves behind. */
-class Soak {
-public:
-    explicit Soak(double hours)
-        : m_rounds(qMax(Samples, int(std::lround(hours * RoundsPerHour))))
-        , m_roundMs(3600.0 * 1000 / RoundsPerHour)
-    {
-    }
-
-    bool run(const Display &display, QTextStream &record);
-    bool report() const;
-
-private:
-    bool start(const Display &display);
-    bool round(int number);
-    void publish(const QString &topic, const QByteArray &payload);
-    bool tour(int number);
-    bool takeSample(QTextStream &record);
-    QVector<double> series(double from, double to, double (*figure)(const Sample &)) const;
-
-    const int m_rounds;
-    const double m_roundMs;
-    Appliance m_appliance;
-    QElapsedTimer m_time;
-    QVector<Sample> m_samples;
-    qint64 m_messages = 0;
-    int m_pages = 0;
-};
+Soak::Soak(double hours)
+    : m_rounds(qMax(Samples, int(std::lround(hours * RoundsPerHour))))
+    , m_roundMs(3600.0 * 1000 / RoundsPerHour)
+{
+}
 
 bool Soak::start(const Display &display)
 {
@@ -207,25 +174,4 @@ bool Soak::report() const
         std::printf("%-24s %12.1f %12.1f %+7.1f%%\n", figure.name, before, after, 100 * growth);
     }
     return isWell;
-}
-
-} // namespace
-
-/** Arguments: hours, and the file for the samples. Fails when something grows, or goes wrong. */
-int main(int argc, char *argv[])
-{
-    const QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    bool isNumber = false;
-    const double hours = arguments.value(1).toDouble(&isNumber);
-    QFile file(arguments.value(2));
-    if (!isNumber || hours <= 0 || !file.open(QIODevice::WriteOnly)) {
-        std::fprintf(stderr, "usage: touchui_soak HOURS SAMPLES.csv\n");
-        return EXIT_FAILURE;
-    }
-    QTextStream record(&file);
-    Display display;
-    Soak soak(hours);
-    return display.start() && soak.run(display, record) && soak.report() ? EXIT_SUCCESS
-                                                                         : EXIT_FAILURE;
 }
