@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "brokertopics.h"
 #include "fuzzing.h"
 #include "mqtt.h"
 #include "navigationcontroller.h"
@@ -24,13 +25,19 @@
 
 namespace {
 
+/** What is common to the topics of a filter that ends with "#". */
+QByteArray prefixOf(const QString &filter)
+{
+    return filter.chopped(1).toUtf8();
+}
+
 /** All topics on which a property can be written, as the dispatch finds it. */
 QVector<QByteArray> topics()
 {
-    const QByteArray service("Velunor/Controller/remote_control/v4/");
-    QVector<QByteArray> result { service + "roon/Zones/available",
-        service + "roon/Zones/z1/outputs", service + "roon/Zones/", service + "Control/command",
-        service + "connected", "Velunor/Controller/x/connected", "Velunor", "" };
+    const QByteArray zones = prefixOf(BrokerTopics::zones());
+    QVector<QByteArray> result { zones + "available", zones + "z1/outputs", zones,
+        BrokerTopics::command().toUtf8(), BrokerTopics::remoteConnected().toUtf8(),
+        "Velunor/Controller/x/connected", "Velunor", "" };
     const auto append = [&result](const QMetaObject &metaObject, const QByteArray &prefix) {
         for (int i = metaObject.propertyOffset(); i < metaObject.propertyCount(); ++i) {
             const QByteArray name = metaObject.property(i).name();
@@ -41,14 +48,14 @@ QVector<QByteArray> topics()
         }
     };
     for (const char *const zone : { "z1", "z2", "z3" })
-        append(RoonZone::staticMetaObject, service + "roon/Zones/" + zone + '/');
-    append(Roon::staticMetaObject, service + "roon/Roon/");
-    append(Spotify::staticMetaObject, service + "spotify/");
-    append(VelunorState::staticMetaObject, "Velunor/State/v1/");
+        append(RoonZone::staticMetaObject, zones + zone + '/');
+    append(Roon::staticMetaObject, prefixOf(BrokerTopics::core()));
+    append(Spotify::staticMetaObject, prefixOf(BrokerTopics::spotify()));
+    append(VelunorState::staticMetaObject, prefixOf(BrokerTopics::state()));
     for (const char *const key :
         { "blankscreen", "scrolling", "clock24", "clockcolor", "custom_clockcolor",
             "screensaver_time", "hide_power_button", "hide_option_buttons", "show_blur_image" })
-        result.append(QByteArray("Velunor/Settings/v2/touchscreen_") + key);
+        result.append(prefixOf(BrokerTopics::settings()) + "touchscreen_" + key);
     return result;
 }
 

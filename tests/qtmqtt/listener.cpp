@@ -2,12 +2,9 @@
 #include "listener.h"
 
 #include "address.h"
+#include "testkit/waiting.h"
 
 #include <QtTest/QtTest>
-
-namespace {
-constexpr int PatienceMs = 20000;
-}
 
 QList<QByteArray> numbers(int count)
 {

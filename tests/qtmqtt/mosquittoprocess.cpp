@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mosquittoprocess.h"
 
+#include "testkit/waiting.h"
+
 #include <QtCore/QDebug>
 #include <QtCore/QFile>
 #include <QtCore/QStandardPaths>
 #include <QtNetwork/QTcpServer>
 
 namespace {
-constexpr int PatienceMs = 20000;
 constexpr int Attempts = 10;
 
 quint16 freePort()

@@ -3,6 +3,7 @@
 #include "mosquittoprocess.h"
 #include "qmqttconnection_p.h"
 #include "stubbornlistener.h"
+#include "testkit/waiting.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtNetwork/QTcpServer>
@@ -10,7 +11,6 @@
 #include <QtTest/QtTest>
 
 namespace {
-constexpr int PatienceMs = 20000;
 constexpr int KeepAliveMs = 5000; // the shortest there is
 
 const QHostAddress First("127.0.0.2"); // where the broker is not

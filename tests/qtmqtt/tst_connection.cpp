@@ -7,6 +7,7 @@
 #include "resolver.h"
 #include "signallog.h"
 #include "stubbornlistener.h"
+#include "testkit/waiting.h"
 
 #include <QtCore/QDir>
 #include <QtNetwork/QTcpSocket>
@@ -17,7 +18,6 @@
 #include <sys/socket.h>
 
 namespace {
-constexpr int PatienceMs = 20000;
 
 const QStringList Attempt { "stateChanged(Connecting)" };
 const QStringList Success { "stateChanged(Connected)", "connected" };

@@ -4,6 +4,7 @@
 #include "listener.h"
 #include "mosquittoprocess.h"
 #include "oursalone.h"
+#include "testkit/waiting.h"
 #include "wirepeer.h"
 
 #include <QtCore/QElapsedTimer>
@@ -15,7 +16,6 @@
 #include <sys/time.h>
 
 namespace {
-constexpr int PatienceMs = 20000;
 constexpr int FloodMs = 20000;        // longer than leaving may take
 constexpr int LeavingLimitMs = 15000; // the classes' own limits, and some room for a busy machine
 

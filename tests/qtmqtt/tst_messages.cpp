@@ -4,16 +4,13 @@
 #include "mosquittoprocess.h"
 #include "oursalone.h"
 #include "signallog.h"
+#include "testkit/waiting.h"
 
 #include <QtTest/QtTest>
 
 #include <algorithm>
 #include <ctime>
 #include <memory>
-
-namespace {
-constexpr int PatienceMs = 20000;
-} // namespace
 
 /** Publishing, subscribing and receiving. */
 class TestMessages : public QObject {

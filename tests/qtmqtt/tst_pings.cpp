@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fakebroker.h"
 #include "loggedclient.h"
+#include "testkit/waiting.h"
 
 #include <QtTest/QtTest>
 
 namespace {
-constexpr int PatienceMs = 20000;
 constexpr quint16 ShortestKeepAlive = 5; // seconds
 } // namespace
 

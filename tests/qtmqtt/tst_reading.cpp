@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fakebroker.h"
 #include "qmqttconnection_p.h"
+#include "testkit/waiting.h"
 #include "wirepeer.h"
 
 #include <QtTest/QtTest>
 
 #include <algorithm>
 #include <atomic>
-
-namespace {
-constexpr int PatienceMs = 20000;
-} // namespace
 
 /** How much is read before others have their turn, seen by the owner of a connection. */
 class TestReading : public QObject {

@@ -6,6 +6,7 @@
 #include "mosquittoprocess.h"
 #include "oursalone.h"
 #include "signallog.h"
+#include "testkit/waiting.h"
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>
@@ -15,7 +16,6 @@
 #include <memory>
 
 namespace {
-constexpr int PatienceMs = 20000;
 
 const QStringList Loss { "stateChanged(Disconnected)", "disconnected",
     "errorChanged(TransportInvalid)" };

@@ -2,6 +2,7 @@
 #include "fakebroker.h"
 #include "listener.h"
 #include "oursalone.h"
+#include "testkit/waiting.h"
 #include "wirepeer.h"
 
 #include <QtCore/QTimer>
@@ -11,7 +12,6 @@
 #include <functional>
 
 namespace {
-constexpr int PatienceMs = 20000;
 constexpr int PacketsPerTurn = 512;
 
 /** Counts what others, who wait for their turn in the event loop, see of a number that grows. */
