@@ -287,8 +287,17 @@ void TestMessages::standby()
     const MqttReference::Entry &entry = reference().entry("toggleStandby");
     Appliance appliance;
     QVERIFY(appliance.start());
+    const int before = appliance.program.logSize();
+    const auto warnings
+        = [&] { return appliance.program.count(LogPattern("WARN", QString()).andMore(), before); };
+    for (const char *const payload : { "toggle_standby", "\"toggle_standby\"",
+             R"(["toggle_standby"])", R"({"toggle_standby":true})", "" })
+        appliance.sendCommand(payload);
+    QVERIFY(appliance.handled());
+    QCOMPARE(warnings(), 0);
     appliance.sendCommand(entry.oddPayload);
     QVERIFY(appliance.handled());
+    QCOMPARE(warnings(), 1);
     QVERIFY(appliance.waitForPage(PageNames::Player));
     for (const QString &page : { PageNames::Clock, PageNames::ScreenSaver, PageNames::Player }) {
         appliance.sendCommand(entry.sent.first());

@@ -85,12 +85,16 @@ private slots:
     void theClockFollowsItsFormat();
     void oddTexts();
     void anOddState();
+    void anEmptyStateLeavesThePage();
     void anOddName();
     void anOddLoop();
     void anOddImageKey();
     void anOddServerUrl();
     void oddColours();
     void anOddDelay();
+    void zeroIsALimit();
+    void theListReachesTheVolumeDialog();
+    void hiddenIconsAnswer();
 
 private:
     bool publish(const Messages &messages);
@@ -311,6 +315,15 @@ void TestOnView::anOddState()
     QVERIFY(m_appliance->waitForPage(PageNames::Clock));
 }
 
+void TestOnView::anEmptyStateLeavesThePage()
+{
+    const QJsonArray playing = calmScene();
+    QVERIFY(publish({ { "zoneState", "" } }));
+    QCOMPARE(calmScene(), playing);
+    QVERIFY(publish({ { "zoneState", odd("zoneState") } }));
+    QVERIFY(calmScene() != playing);
+}
+
 void TestOnView::anOddName()
 {
     for (const QByteArray &name : { odd("zoneName"), QByteArray("Scullery") }) {
@@ -383,6 +396,48 @@ void TestOnView::anOddDelay()
     QVERIFY(publish({ { "settingScreensaverTime", odd("settingScreensaverTime") },
         { "zoneState", "paused" } }));
     QVERIFY(m_appliance->waitForPage(PageNames::Clock));
+}
+
+void TestOnView::zeroIsALimit()
+{
+    QVERIFY(publish({ { "zoneVolumeHardLimitMin", "5" } }));
+    QVERIFY(showPage("volume"));
+    Probe &probe = m_appliance->program.probe();
+    for (const auto &[label, message] : QMap<QString, QString> {
+             { "minimumText", "zoneVolumeHardLimitMin" },
+             { "maximumText", "zoneVolumeHardLimitMax" },
+             { "softLimitText",
+                 "zoneVolumeSoftLimit" } }.toStdMap()) {
+        const auto text = [&, label = label] { return probe.property(label, "text").toString(); };
+        QVERIFY(text() != "0");
+        QVERIFY(publish({ { message, odd(message) } }));
+        QTRY_COMPARE_WITH_TIMEOUT(text(), QString("0"), PatienceMs);
+    }
+}
+
+/** Limits of a zone that is no longer the display's are not shown. */
+void TestOnView::theListReachesTheVolumeDialog()
+{
+    QVERIFY(entry("availableZones").pages.contains("volume"));
+    QVERIFY(showPage("volume"));
+    Probe &probe = m_appliance->program.probe();
+    QVERIFY(probe.shows(Probe::Target::text("100")));
+    QVERIFY(publish({ { "availableZones", R"([{"id":"z2","name":"Kitchen"}])" } }));
+    QTRY_VERIFY_WITH_TIMEOUT(!probe.shows(Probe::Target::text("100")), PatienceMs);
+    QVERIFY(probe.shows("volumeDown"));
+}
+
+/** A command comes although the zone does not allow it. */
+void TestOnView::hiddenIconsAnswer()
+{
+    QVERIFY(publish({ { "zoneIsPauseAllowed", "false" }, { "settingHideOptionButtons", "true" } }));
+    Probe &probe = m_appliance->program.probe();
+    for (const QString item : { "previous", "playPause", "next", "radio", "shuffle", "loop" }) {
+        QTRY_VERIFY_WITH_TIMEOUT(!probe.shows(Probe::Target("icon").inside(item)), PatienceMs);
+        const int before = m_appliance->commands().size();
+        QVERIFY(probe.tap(item));
+        QTRY_COMPARE_WITH_TIMEOUT(m_appliance->commands().size(), before + 1, PatienceMs);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestOnView)
