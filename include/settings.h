@@ -41,7 +41,8 @@ public:
 
     /**
      * @p directory is where the ini file "velunor-touch.ini" lies. For what is missing there, or is
-     * not an unsigned number, the defaults hold.
+     * not an unsigned number, the defaults hold; and for all of a file that holds an object in
+     * the form of QSettings, which is not read, with a warning.
      */
     explicit Settings(
         const QString &directory = QStringLiteral("/data"), QObject *parent = nullptr);
@@ -102,7 +103,10 @@ public:
     void setShowBlurBackground(bool value);
 
 public slots:
-    /** Writes the two brightness values to the file. A failure is not reported. */
+    /**
+     * Writes the two brightness values to the file. A failure is not reported. A file that was not
+     * read is first put aside, with the ending ".unread".
+     */
     void save();
     /** Takes the two brightness values back to those of the start-up, even after a save(). */
     void revert();
@@ -130,6 +134,7 @@ private:
     QSettings m_file;
     uint m_brightness = 0;
     uint m_clockBrightness = 0;
+    bool m_isReadable = true;
     uint m_savedBrightness = 0;      // as at start-up, never refreshed
     uint m_savedClockBrightness = 0; // likewise
     QString m_clockColor = QStringLiteral("grey");

@@ -2,8 +2,11 @@
 #include "settings.h"
 
 #include <QDebug>
+#include <QFile>
 #include <QMap>
 #include <QThread>
+
+#include <cstring>
 
 namespace {
 
@@ -35,6 +38,63 @@ const QMap<QString, QString> &colorTable()
     return table;
 }
 
+/**
+ * A file's text as QSettings takes it: quotation marks are nothing, and escapes are characters by
+ * number (modulo 65536), characters by name, or, as an unknown one and a line's end, nothing.
+ */
+QString unescaped(const QByteArray &text)
+{
+    const auto number = [&text](int &i, int base) {
+        ushort code = 0;
+        for (bool isDigit = true; isDigit;) {
+            const ushort digit = text.mid(i + 1, 1).toUShort(&isDigit, base);
+            if (isDigit) {
+                code = ushort(code * base + digit);
+                ++i;
+            }
+        }
+        return QChar(code);
+    };
+    QString result;
+    for (int i = 0; i < text.size(); ++i) {
+        const char character = text.at(i);
+        if (character == '\\' && i + 1 < text.size()) {
+            const char kind = text.at(++i);
+            if (kind == 'x')
+                result += number(i, 16);
+            else if (kind >= '0' && kind <= '7')
+                result += number(--i, 8);
+            else if (kind && std::strchr("abfnrtv\"?'\\", kind))
+                result += QLatin1Char(' '); // another one than those that are looked for
+            else if (text.mid(i, 2) == "\r\n" || text.mid(i, 2) == "\n\r")
+                ++i;
+        } else if (character != '"') {
+            result += QLatin1Char(character);
+        }
+    }
+    return result;
+}
+
+/**
+ * Whether QSettings can read the file. These words begin objects that it makes of the bytes that
+ * follow; where they speak of two billion elements, that much memory is asked for, and the program
+ * ends. What is written here are numbers.
+ */
+bool isReadable(const QString &fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return true;
+    const QString text = unescaped(file.readAll());
+    for (const QLatin1String object : { QLatin1String("@Variant("), QLatin1String("@DateTime(") }) {
+        for (int at = text.indexOf(object); at >= 0; at = text.indexOf(object, at + 1)) {
+            if (at == 0 || text.at(at - 1) != QLatin1Char('@')) // two of them are one that is meant
+                return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 Settings *Settings::instance()
@@ -50,6 +110,10 @@ Settings::Settings(const QString &directory, QObject *parent)
     qDebug().noquote().nospace() << "Settings::constructor in thread "
                                  << QThread::currentThreadId();
     qDebug().noquote().nospace() << "Settings: reading from: " << m_file.fileName();
+    m_isReadable = isReadable(m_file.fileName());
+    if (!m_isReadable)
+        qWarning().noquote().nospace()
+            << "Settings: not reading " << m_file.fileName() << ", which holds an object";
     m_brightness = m_savedBrightness = read(brightnessKey(), DefaultBrightness);
     m_clockBrightness = m_savedClockBrightness = read(clockBrightnessKey(), DefaultBrightness);
     m_defaultPlayerScreen = read(QStringLiteral("LCD/DefaultPlayerScreen"), DefaultPlayerScreen);
@@ -57,6 +121,8 @@ Settings::Settings(const QString &directory, QObject *parent)
 
 uint Settings::read(const QString &key, uint defaultValue) const
 {
+    if (!m_isReadable)
+        return defaultValue;
     bool isNumber = false;
     const uint value = m_file.value(key, defaultValue).toString().toUInt(&isNumber);
     return isNumber ? value : defaultValue; // a damaged entry must not leave the panel dark
@@ -150,6 +216,14 @@ void Settings::save()
     qDebug() << "Settings::save()";
     qDebug().noquote().nospace() << "Settings::save:LCD/Brightness" << m_brightness;
     qDebug().noquote().nospace() << "Settings::save:LCD/ClockBrightness" << m_clockBrightness;
+    if (!m_isReadable) {
+        // What somebody has put there is kept, but not in the way.
+        const QString aside = m_file.fileName() + QStringLiteral(".unread");
+        QFile::remove(aside);
+        m_isReadable = QFile::rename(m_file.fileName(), aside);
+        if (!m_isReadable)
+            return;
+    }
     m_file.setValue(brightnessKey(), m_brightness);
     m_file.setValue(clockBrightnessKey(), m_clockBrightness);
     m_file.sync();

@@ -32,6 +32,8 @@ private slots:
     void readsTheFile();
     void damagedFileGivesDefaults_data();
     void damagedFileGivesDefaults();
+    void fileWithObjectsIsNotRead_data();
+    void fileWithObjectsIsNotRead();
     void fileThatCannotBeOpenedGivesDefaults();
 
     void defaultPlayerScreenIsOnlyStored();
@@ -198,6 +200,10 @@ void TestSettings::damagedFileGivesDefaults_data()
     QTest::newRow("twice") << QByteArray("[LCD]\nBrightness=80\nBrightness=90\n") << 90u << 150u
                            << 11u;
     QTest::newRow("cut off") << QByteArray("[LCD]\nBrightness=80\nClockBri") << 80u << 150u << 11u;
+    // QSettings writes them so.
+    QTest::newRow("escapes") << QByteArray("[LCD]\nBrightness=80\nAt=me@home\nText=@String(7\\0)"
+                                           "\nOther=\\x140\\x4e40\\x400\\\\x40\\\\100\\0\\x31\n")
+                             << 80u << 150u << 11u;
     QTest::newRow("binary") << QByteArray("\0\xff\xfe[LCD\n=\n]]\n\0", 14) << 150u << 150u << 11u;
 }
 
@@ -211,6 +217,54 @@ void TestSettings::damagedFileGivesDefaults()
     QTEST(settings.defaultPlayerScreen(), "playerScreen");
     QCOMPARE(m_log->take().size(), 2); // the constructor's own lines, no complaint
     QCOMPARE(text(), content);
+}
+
+void TestSettings::fileWithObjectsIsNotRead_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    // A list of two billion elements, as QSettings would read it: that ended the program.
+    QTest::newRow("@") << QByteArray(
+        "[LCD]\nBrightness=80\nClockBrightness=@Variant(\\0\\0\\0\\tne\\\n0)\n");
+    QTest::newRow("@ in hexadecimal")
+        << QByteArray("[LCD]\nBrightness=80\nOther=\\x10040Variant(\\0\\0\\0\\tne\\\n0)\n");
+    QTest::newRow("@ in octal") << QByteArray(
+        "[Other]\nOther=\\100Variant(\\0\\0\\0\\tne\\\n0)\n[LCD]\nBrightness=80\n");
+    QTest::newRow("a letter of it escaped")
+        << QByteArray("[LCD]\nBrightness=80\nOther=@\\126ariant(\\0\\0\\0\\tne\\\n0)\n");
+    QTest::newRow("within quotation marks")
+        << QByteArray("[LCD]\nBrightness=80\nOther=@\"Variant(\\0\\0\\0\\tne\\\n0)\"\n");
+    QTest::newRow("after a zero byte")
+        << QByteArray("[LCD]\nOther=") + '\0' + "\nClockBrightness=@Variant(\\0)\nBrightness=80\n";
+    QTest::newRow("a time") << QByteArray(
+        "[LCD]\nBrightness=80\nOther=@DateTime(\\0\\0\\0\\x10)\n");
+}
+
+void TestSettings::fileWithObjectsIsNotRead()
+{
+    QFETCH(QByteArray, content);
+    write(content);
+    {
+        Settings settings(m_directory->path());
+        QCOMPARE(m_log->take().mid(2),
+            QStringList(
+                "warning: Settings: not reading " + fileName() + ", which holds an object"));
+        QCOMPARE(settings.brightness(), 150u);
+        QCOMPARE(settings.clockBrightness(), 150u);
+        QCOMPARE(settings.defaultPlayerScreen(), 11u);
+        QCOMPARE(text(), content);
+        settings.setLcdBrightness(90);
+        settings.save();
+        settings.setLcdBrightness(91);
+        settings.save();
+    }
+    QCOMPARE(text(), QByteArray("[LCD]\nBrightness=91\nClockBrightness=150\n"));
+    QFile aside(fileName() + ".unread");
+    QVERIFY(aside.open(QIODevice::ReadOnly));
+    QCOMPARE(aside.readAll(), content);
+    m_log->clear();
+    const Settings again(m_directory->path());
+    QCOMPARE(again.brightness(), 91u);
+    QCOMPARE(m_log->take().size(), 2);
 }
 
 void TestSettings::fileThatCannotBeOpenedGivesDefaults()
