@@ -85,6 +85,8 @@ qint64 ProcessFigures::processorMs(qint64 process)
     // time are the 12th and 13th of what follows, in clock ticks.
     const QByteArray text = fileContents(directoryOf(process) + QStringLiteral("/stat"));
     const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+    if (fields.size() < 13)
+        qFatal("the kernel does not tell the times of process %lld", process);
     return (fields.at(11).toLongLong() + fields.at(12).toLongLong()) * 1000
         / ::sysconf(_SC_CLK_TCK);
 }

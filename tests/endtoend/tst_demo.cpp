@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "testkit/process/filecontents.h"
 #include "testkit/machine/display.h"
 #include "testkit/machine/panel.h"
 #include "testkit/machine/windows.h"
+#include "testkit/process/filecontents.h"
 #include "testkit/process/program.h"
 #include "testkit/process/terminal.h"
 #include "testkit/services/mqttreference.h"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulator/services/topics.h"
 #include "testkit/appliance.h"
+#include "testkit/process/filecontents.h"
 #include "testkit/waiting.h"
 
 #include <QDir>
@@ -39,8 +40,7 @@ bool writeSettings(const QByteArray &text)
 
 QByteArray settings()
 {
-    QFile file(SettingsFile);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return fileContents(SettingsFile);
 }
 
 } // namespace

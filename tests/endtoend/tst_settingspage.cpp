@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "testkit/appliance.h"
 #include "testkit/pagenames.h"
+#include "testkit/process/filecontents.h"
 #include "testkit/waiting.h"
 
 #include <QDir>
@@ -20,8 +21,7 @@ const QString Page = "SettingsWindow";
 
 QByteArray stored()
 {
-    QFile file(SettingsFile);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return fileContents(SettingsFile);
 }
 
 bool store(const QByteArray &text)

@@ -89,7 +89,7 @@ void TestReading::aBacklogIsReadToItsEnd()
     QTimer standstill;
     connect(&standstill, &QTimer::timeout, &loop, &QEventLoop::quit);
     connect(
-        &connection, &QMqttConnection::eventsAvailable, this,
+        &connection, &QMqttConnection::eventsAvailable, &loop,
         [&] {
             for (; connection.hasEvents(); ++read)
                 connection.takeEvent();

@@ -287,6 +287,7 @@ void TestMessages::standby()
     const MqttReference::Entry &entry = reference().entry("toggleStandby");
     Appliance appliance;
     QVERIFY(appliance.start());
+    QVERIFY(appliance.handled()); // and so are the warnings of the start
     const int before = appliance.program.logSize();
     const auto warnings
         = [&] { return appliance.program.count(LogPattern("WARN", QString()).andMore(), before); };

@@ -68,7 +68,9 @@ void TestSequences::idleAtFirst()
     QVERIFY(appliance.program.startAndWait());
     QVERIFY(appliance.services.waitFor(entry("displayZone").topic, "Kitchen"));
     QVERIFY(appliance.handled());
-    QTRY_COMPARE_WITH_TIMEOUT(reports(), before, PatienceMs);
+    // On a busy machine the welcome page may have ended by now.
+    QTRY_VERIFY_WITH_TIMEOUT(reports().size() >= before.size(), PatienceMs);
+    QCOMPARE(reports().mid(0, before.size()), before);
     appliance.endWelcome();
     QVERIFY(appliance.waitForPage(page));
     QVERIFY(appliance.handled());

@@ -6,6 +6,7 @@
 #include "testkit/services/broker.h"
 #include "testkit/services/brokerclient.h"
 #include "testkit/waiting.h"
+#include "textfile.h"
 #include "writecounter.h"
 
 #include <QDir>
@@ -133,8 +134,7 @@ void TestScreenController::cleanup()
 
 QByteArray TestScreenController::contents(const QString &attribute) const
 {
-    QFile file(m_directory->filePath(QStringLiteral("panel0/") + attribute));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+    return readTextFile(m_directory->filePath(QStringLiteral("panel0/") + attribute));
 }
 
 /** A controller of the panel, its constructor's log lines dropped and its report received. */
