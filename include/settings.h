@@ -42,7 +42,7 @@ public:
     /**
      * @p directory is where the ini file "velunor-touch.ini" lies. For what is missing there, or is
      * not an unsigned number, the defaults hold; and for all of a file that holds an object in
-     * the form of QSettings, which is not read, with a warning.
+     * the form of QSettings, which is not read.
      */
     explicit Settings(
         const QString &directory = QStringLiteral("/data"), QObject *parent = nullptr);
@@ -104,8 +104,8 @@ public:
 
 public slots:
     /**
-     * Writes the two brightness values to the file. A failure is not reported. A file that was not
-     * read is first put aside, with the ending ".unread".
+     * Writes the two brightness values to the file. A failure is not reported. A file that holds
+     * an object is first put aside, with the ending ".unread".
      */
     void save();
     /** Takes the two brightness values back to those of the start-up, even after a save(). */
@@ -134,7 +134,6 @@ private:
     QSettings m_file;
     uint m_brightness = 0;
     uint m_clockBrightness = 0;
-    bool m_isReadable = true;
     uint m_savedBrightness = 0;      // as at start-up, never refreshed
     uint m_savedClockBrightness = 0; // likewise
     QString m_clockColor = QStringLiteral("grey");

@@ -39,11 +39,17 @@ const QMap<QString, QString> &colorTable()
 }
 
 /**
- * A file's text as QSettings takes it: quotation marks are nothing, and escapes are characters by
- * number (modulo 65536), characters by name, or, as an unknown one and a line's end, nothing.
+ * A file's text without what QSettings takes for nothing in some place: blanks, quotation marks, a
+ * line's end after a backslash, unknown escapes and what is not ASCII. A character can be told by
+ * its number, which counts modulo 65536.
  */
-QString unescaped(const QByteArray &text)
+QByteArray unescaped(const QByteArray &text)
 {
+    QByteArray result;
+    const auto append = [&result](ushort code) {
+        if (code > ' ' && code < 0x7f && code != '"')
+            result += char(code);
+    };
     const auto number = [&text](int &i, int base) {
         ushort code = 0;
         for (bool isDigit = true; isDigit;) {
@@ -53,46 +59,36 @@ QString unescaped(const QByteArray &text)
                 ++i;
             }
         }
-        return QChar(code);
+        return code;
     };
-    QString result;
     for (int i = 0; i < text.size(); ++i) {
-        const char character = text.at(i);
-        if (character == '\\' && i + 1 < text.size()) {
-            const char kind = text.at(++i);
-            if (kind == 'x')
-                result += number(i, 16);
-            else if (kind >= '0' && kind <= '7')
-                result += number(--i, 8);
-            else if (kind && std::strchr("abfnrtv\"?'\\", kind))
-                result += QLatin1Char(' '); // another one than those that are looked for
-            else if (text.mid(i, 2) == "\r\n" || text.mid(i, 2) == "\n\r")
-                ++i;
-        } else if (character != '"') {
-            result += QLatin1Char(character);
+        if (text.at(i) != '\\' || i + 1 == text.size()) {
+            append(uchar(text.at(i)));
+            continue;
         }
+        const char kind = text.at(++i);
+        if (kind == 'x')
+            append(number(i, 16));
+        else if (kind >= '0' && kind <= '7')
+            append(number(--i, 8));
+        else if (kind && std::strchr("abfnrtv\"?'\\", kind))
+            result += ' '; // another character than those that are looked for
     }
     return result;
 }
 
 /**
- * Whether QSettings can read the file. These words begin objects that it makes of the bytes that
- * follow; where they speak of two billion elements, that much memory is asked for, and the program
- * ends. What is written here are numbers.
+ * Whether the file holds an object in the form of QSettings, which makes it of the bytes that
+ * follow one of these words; where they speak of two billion elements, that much memory is asked
+ * for, and the program ends. What is written here are numbers.
  */
-bool isReadable(const QString &fileName)
+bool holdsObject(const QString &fileName)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
-        return true;
-    const QString text = unescaped(file.readAll());
-    for (const QLatin1String object : { QLatin1String("@Variant("), QLatin1String("@DateTime(") }) {
-        for (int at = text.indexOf(object); at >= 0; at = text.indexOf(object, at + 1)) {
-            if (at == 0 || text.at(at - 1) != QLatin1Char('@')) // two of them are one that is meant
-                return false;
-        }
-    }
-    return true;
+        return false;
+    const QByteArray text = unescaped(file.readAll());
+    return text.contains("@Variant(") || text.contains("@DateTime(");
 }
 
 } // namespace
@@ -110,19 +106,18 @@ Settings::Settings(const QString &directory, QObject *parent)
     qDebug().noquote().nospace() << "Settings::constructor in thread "
                                  << QThread::currentThreadId();
     qDebug().noquote().nospace() << "Settings: reading from: " << m_file.fileName();
-    m_isReadable = isReadable(m_file.fileName());
-    if (!m_isReadable)
-        qWarning().noquote().nospace()
-            << "Settings: not reading " << m_file.fileName() << ", which holds an object";
-    m_brightness = m_savedBrightness = read(brightnessKey(), DefaultBrightness);
-    m_clockBrightness = m_savedClockBrightness = read(clockBrightnessKey(), DefaultBrightness);
-    m_defaultPlayerScreen = read(QStringLiteral("LCD/DefaultPlayerScreen"), DefaultPlayerScreen);
+    // Nothing is reported of a file that cannot be read, for whatever reason.
+    const bool isSound = !holdsObject(m_file.fileName());
+    const auto value = [&](const QString &key, uint defaultValue) {
+        return isSound ? read(key, defaultValue) : defaultValue;
+    };
+    m_brightness = m_savedBrightness = value(brightnessKey(), DefaultBrightness);
+    m_clockBrightness = m_savedClockBrightness = value(clockBrightnessKey(), DefaultBrightness);
+    m_defaultPlayerScreen = value(QStringLiteral("LCD/DefaultPlayerScreen"), DefaultPlayerScreen);
 }
 
 uint Settings::read(const QString &key, uint defaultValue) const
 {
-    if (!m_isReadable)
-        return defaultValue;
     bool isNumber = false;
     const uint value = m_file.value(key, defaultValue).toString().toUInt(&isNumber);
     return isNumber ? value : defaultValue; // a damaged entry must not leave the panel dark
@@ -216,12 +211,11 @@ void Settings::save()
     qDebug() << "Settings::save()";
     qDebug().noquote().nospace() << "Settings::save:LCD/Brightness" << m_brightness;
     qDebug().noquote().nospace() << "Settings::save:LCD/ClockBrightness" << m_clockBrightness;
-    if (!m_isReadable) {
-        // What somebody has put there is kept, but not in the way.
+    // QSettings reads it anew where it has changed. What somebody has put there is kept, but aside.
+    if (holdsObject(m_file.fileName())) {
         const QString aside = m_file.fileName() + QStringLiteral(".unread");
         QFile::remove(aside);
-        m_isReadable = QFile::rename(m_file.fileName(), aside);
-        if (!m_isReadable)
+        if (!QFile::rename(m_file.fileName(), aside))
             return;
     }
     m_file.setValue(brightnessKey(), m_brightness);

@@ -4,7 +4,7 @@
 #include <QMap>
 #include <QString>
 
-/** What the kernel says of a running process. Each ends the program when it cannot be read. */
+/** What the kernel says of a running process. A number that it does not tell ends the program. */
 namespace ProcessFigures {
 
 /** Proportional set size in KiB: resident memory, with a share of what other processes use too. */

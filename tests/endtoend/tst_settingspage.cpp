@@ -72,6 +72,7 @@ void TestSettingsPage::cleanup()
         QTest::qFail("Qt or the scene has complained", __FILE__, __LINE__);
     m_appliance.reset();
     QFile::remove(SettingsFile);
+    QFile::remove(SettingsFile + ".unread");
 }
 
 void TestSettingsPage::whatIsStoredOpensThePage_data()
@@ -91,10 +92,11 @@ void TestSettingsPage::whatIsStoredOpensThePage_data()
     row("negative and broken numbers", "[LCD]\nBrightness=-5\nClockBrightness=1.5\n", "150", 150,
         150);
     row("words", "[LCD]\nBrightness=bright\nClockBrightness=true\n", "150", 150, 150);
-    row("lists", "[LCD]\nBrightness=1, 2, 3\nClockBrightness=@Variant(\\0\\0\\0\\n)\n", "150", 150,
-        150);
-    row("a typed value that ends too soon",
-        "[LCD]\nBrightness=@Variant(\\0\\0\nClockBrightness=@Rect(1\n", "150", 150, 150);
+    row("lists", "[LCD]\nBrightness=1, 2, 3\nClockBrightness=,\n", "150", 150, 150);
+    row("an object", "[LCD]\nBrightness=80\nClockBrightness=@Variant(\\0\\0\\0\\tne\\\n0)\n", "150",
+        150, 150);
+    row("a typed value that ends too soon", "[LCD]\nBrightness=@Size(1\nClockBrightness=@Rect(1\n",
+        "150", 150, 150);
     row("cut in the middle of a number", "[LCD]\nClockBrightness=20\nBrightness=8", "8", 13, 20);
     row("cut in the middle of a key", "[LCD]\nClockBrightness=20\nBright", "150", 150, 20);
     row("cut in the middle of the group", "[LC", "150", 150, 150);
